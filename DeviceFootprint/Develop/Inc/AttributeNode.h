@@ -1,0 +1,185 @@
+#ifndef NYXCONFIG_ATTRIBUTENODE_H
+#define NYXCONFIG_ATTRIBUTENODE_H
+
+#include "nyxconfig_export.h"
+
+#include <cstdint>
+#include <string>
+
+namespace KvDeviceFootprint
+{
+
+/// The low eight bits of a wide character; no encoding is involved.
+inline char ToSingleChar(wchar_t character)
+{
+    return static_cast<char>(static_cast<unsigned char>(character));
+}
+
+/// Narrow text made from wide text character by character with ToSingleChar().
+NYXCONFIG_EXPORT std::string NarrowText(const std::wstring& text);
+
+/// Wide text made from narrow text character by character. Each byte is sign-extended, so a byte of 0x80 or above
+/// becomes a negative wide character; NarrowText() gives the byte back.
+NYXCONFIG_EXPORT std::wstring WidenText(const std::string& text);
+
+/// The abstract root of attributes and elements: something with a narrow name.
+class NYXCONFIG_EXPORT CNode
+{
+public:
+    virtual ~CNode();
+
+    /// The node's name. The reference lives as long as the node.
+    virtual const std::string& GetNodeName() const = 0;
+
+protected:
+    CNode() = default;
+    CNode(const CNode&) = default;
+    CNode(CNode&&) = default;
+    CNode& operator=(const CNode&) = default;
+    CNode& operator=(CNode&&) = default;
+};
+
+/// Orders nodes by name, byte by byte as unsigned bytes; a proper prefix goes first. This is the canonical order of the
+/// checksum.
+struct CNodeSorter
+{
+    bool operator()(const CNode* lhs, const CNode* rhs) const { return lhs->GetNodeName() < rhs->GetNodeName(); }
+};
+
+/// An attribute's name. Names are few and shared by very many attributes, so each distinct text is kept once, for the
+/// life of the process; a CNodeName is a pointer to it. Safe to make from any thread.
+class NYXCONFIG_EXPORT CNodeName
+{
+public:
+    /// @param text zero-terminated; a null pointer counts as the empty text.
+    explicit CNodeName(const char* text);
+
+    const std::string& Text() const { return *m_text; }
+
+    /// Equal texts share one string, so this is a comparison of texts.
+    bool operator==(const CNodeName& other) const { return m_text == other.m_text; }
+    bool operator!=(const CNodeName& other) const { return m_text != other.m_text; }
+
+private:
+    const std::string* m_text;
+};
+
+/**
+ * A named text attribute of an element. An empty value means that the attribute is absent: it is not written to a file,
+ * it is skipped by merging and by relationship tests, and reading it through Get(), GetBool() or GetInteger() is an
+ * error.
+ *
+ * Errors are reported through CDeviceFootprint::SetLastError, which stores the text and throws if exceptions are
+ * enabled; otherwise the operation returns false and leaves its output alone.
+ *
+ * An attribute belongs to one thread at a time.
+ */
+class NYXCONFIG_EXPORT CReadOnlyAttribute : public CNode
+{
+public:
+    /// @param name zero-terminated name as it stands in a file. The value starts empty.
+    explicit CReadOnlyAttribute(const char* name) : m_name(name) {}
+    explicit CReadOnlyAttribute(const CNodeName& name) : m_name(name) {}
+    CReadOnlyAttribute(const CReadOnlyAttribute&) = default;
+    CReadOnlyAttribute(CReadOnlyAttribute&&) = default;
+    ~CReadOnlyAttribute() override;
+
+    const std::string& GetNodeName() const override;
+
+    bool IsEmpty() const { return m_value.empty(); }
+    void Clear() { m_value.clear(); }
+    /// The value as it stands, empty if the attribute is absent; never an error. Valid until the next change.
+    const std::wstring& GetValue() const { return m_value; }
+
+    /// The setters always return true.
+    bool Set(const std::wstring& value);
+    /// Stores the text widened by WidenText().
+    bool Set(const std::string& value);
+    /// Stores "true" or "false".
+    bool SetBool(bool value);
+    /// Stores the number in decimal.
+    bool SetInteger(long value);
+
+    CReadOnlyAttribute& operator=(const std::wstring& value);
+    CReadOnlyAttribute& operator=(const std::string& value);
+    /// A null pointer counts as the empty text.
+    CReadOnlyAttribute& operator=(const char* value);
+    /// A null pointer counts as the empty text.
+    CReadOnlyAttribute& operator=(const wchar_t* value);
+    CReadOnlyAttribute& operator=(long value);
+    /// Copies name and value.
+    CReadOnlyAttribute& operator=(const CReadOnlyAttribute&) = default;
+    CReadOnlyAttribute& operator=(CReadOnlyAttribute&&) = default;
+
+    bool Get(std::wstring& value) const;
+    /// Gives the value narrowed by NarrowText().
+    bool Get(std::string& value) const;
+    /// "true" and "false", exact case; any other text reports "invalid boolean attribute".
+    bool GetBool(bool& value) const;
+    /// The decimal number at the start of the value. Nothing tests that there is one: text without a leading number
+    /// gives 0 and true. A number outside the range of long gives the nearest bound.
+    bool GetInteger(long& value) const;
+    /// Reports that the attribute is empty. Always false.
+    bool EmptyGetError() const;
+
+    /// Whether name and value are equal. With @p emptiesAreEqual clear, two empty attributes of one name are
+    /// deliberately not equal; only the same object equals itself while empty.
+    bool IsEqual(const CReadOnlyAttribute& other, bool emptiesAreEqual) const;
+
+private:
+    friend class CXmlStreamReader; // decodes straight into the value
+
+    CNodeName m_name;
+    std::wstring m_value;
+};
+
+/// The writable attribute of the element classes.
+class NYXCONFIG_EXPORT CAttribute : public CReadOnlyAttribute
+{
+public:
+    explicit CAttribute(const char* name) : CReadOnlyAttribute(name) {}
+    explicit CAttribute(const CNodeName& name) : CReadOnlyAttribute(name) {}
+    CAttribute(const CAttribute&) = default;
+    CAttribute(CAttribute&&) = default;
+    CAttribute& operator=(const CAttribute&) = default;
+    CAttribute& operator=(CAttribute&&) = default;
+    ~CAttribute() override;
+
+    using CReadOnlyAttribute::operator=;
+};
+
+/**
+ * A point in time: text in the form yyyy-mm-ddThh:mm:ss, UTC without a zone suffix, and beside it a signed count of
+ * seconds since 1970. Only SetCreationDateToCurrent() sets the seconds, and copying or assigning a CTimeAttribute
+ * carries them; loading a file, CopyFrom() and InsertFrom() of the element change the text alone.
+ *
+ * The comparisons look at the seconds only.
+ */
+class NYXCONFIG_EXPORT CTimeAttribute : public CReadOnlyAttribute
+{
+public:
+    explicit CTimeAttribute(const char* name) : CReadOnlyAttribute(name) {}
+    explicit CTimeAttribute(const CNodeName& name) : CReadOnlyAttribute(name) {}
+    CTimeAttribute(const CTimeAttribute&) = default;
+    CTimeAttribute(CTimeAttribute&&) = default;
+    CTimeAttribute& operator=(const CTimeAttribute&) = default;
+    CTimeAttribute& operator=(CTimeAttribute&&) = default;
+    ~CTimeAttribute() override;
+
+    using CReadOnlyAttribute::operator=;
+
+    /// Takes the clock's time. If it can not be broken down into a date, the text becomes empty and the seconds stay.
+    void SetCreationDateToCurrent();
+
+    bool operator==(const CTimeAttribute& other) const { return m_seconds == other.m_seconds; }
+    bool operator!=(const CTimeAttribute& other) const { return m_seconds != other.m_seconds; }
+    /// Whether this is earlier than @p other. The difference is taken in 32 bits and wraps.
+    bool operator<(const CTimeAttribute& other) const;
+
+private:
+    std::int32_t m_seconds = 0;
+};
+
+} // namespace KvDeviceFootprint
+
+#endif

@@ -1,0 +1,144 @@
+#ifndef NYXCONFIG_ELEMENTNODE_H
+#define NYXCONFIG_ELEMENTNODE_H
+
+#include "AttributeNode.h"
+
+#include <cstddef>
+#include <list>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace KvDeviceFootprint
+{
+
+class CComparatorRules;
+class CXmlStreamReader;
+class CXmlStreamWriter;
+
+/// Where the attributes of an element class lie in its objects, in table order. One per class, made once, shared by all
+/// objects of the class; an object's attribute table then needs no memory of its own.
+class NYXCONFIG_EXPORT CAttributeLayout
+{
+public:
+    /// @param offsets distances of the attributes from the object's CElementNode, in bytes.
+    explicit CAttributeLayout(std::vector<std::ptrdiff_t> offsets) : m_offsets(std::move(offsets)) {}
+
+    std::size_t Count() const { return m_offsets.size(); }
+    CReadOnlyAttribute* At(const void* element, std::size_t index) const
+    {
+        return reinterpret_cast<CReadOnlyAttribute*>(static_cast<char*>(const_cast<void*>(element)) + m_offsets[index]);
+    }
+
+private:
+    std::vector<std::ptrdiff_t> m_offsets;
+};
+
+/**
+ * The base of every element: a table of attributes and a fixed set of children. A concrete class supplies its name, its
+ * attributes and its children; loading, saving, emptiness, clearing and merging are done here by walking them through
+ * the virtual operations, whose order is part of the library's binary interface.
+ *
+ * Attributes and children are members of the concrete object. The attribute table and all child lists hold pointers
+ * into the object and own nothing.
+ *
+ * An element belongs to one thread at a time.
+ */
+class NYXCONFIG_EXPORT CElementNode : public CNode
+{
+public:
+    /// Results of GetRelationship().
+    enum TRelationship
+    {
+        eUnrelated = -1,
+        eThisIsOlder = 0,
+        eThisIsNewer = 1,
+        eSameAge = 2 ///< or no difference seen
+    };
+
+    ~CElementNode() override;
+
+    const std::string& GetNodeName() const override;
+    /// The element's tag.
+    virtual const std::string& GetElementName() const = 0;
+    /// Appends the address of each attribute member to the attribute table, in the order in which a file carries them.
+    virtual void initAttributeNodes() = 0;
+    /// Replaces the content of @p children by the addresses of the child members, in file order. That order is also the
+    /// order in which a load tries to match a tag, and it decides between two names of which one begins with the other.
+    virtual void GetChildElements(std::list<CElementNode*>& children) const = 0;
+    /// Replaces the content of @p attributes by the attribute table.
+    virtual void GetAttributeNodes(std::list<CReadOnlyAttribute*>& attributes) const;
+    /// Whether the two trees are the same under @p rules. What no rule looks at can differ. This element is the left
+    /// side.
+    virtual bool Compare(const CElementNode& other, const CComparatorRules& rules) const;
+    /// Whether all attributes and all children are empty.
+    virtual bool IsEmpty() const;
+    /// Whether the element is left out of a file while it is empty. True in every class of the library.
+    virtual bool IsOptional() const;
+    /// True in every class of the library.
+    virtual bool IsValid() const;
+    /// Empties all attributes and children. The children stay in place, lists lose their entries.
+    virtual void Clear();
+    /// Writes the element with all that it holds; nothing if it is empty and optional. Attributes and children go out
+    /// in table order, and sorted by name if the writer feeds a CChecksumStream. False at the first failure; what was
+    /// written so far stays in the stream.
+    virtual bool SaveToStream(CXmlStreamWriter& writer);
+    /**
+     * Loads the element from the start tag on which @p reader stands. All attributes are replaced, an attribute that
+     * the tag lacks becomes empty; children that the text does not mention keep what they hold. Unknown tags are
+     * announced on standard output and skipped.
+     *
+     * @return true with the reader on the token behind the element; false without a text of its own for a wrong end tag
+     *         or an end of file, and with a text for bad input and for elements nested deeper than
+     *         CXmlStreamReader::MaxDepth.
+     * @throw std::out_of_range for a blank line between elements (see CXmlStreamReader::NextToken).
+     */
+    virtual bool LoadFromStream(CXmlStreamReader& reader);
+    /// Takes over what @p other, an element of the same class, holds; its empty values erase nothing here.
+    virtual bool CopyFrom(const CElementNode& other);
+    /// How this element stands to @p other, see TRelationship. Here only eUnrelated and eSameAge: the test is one-sided
+    /// by design, attributes that are empty in this element do not count, and children are not looked at.
+    virtual int GetRelationship(const CElementNode& other) const;
+    /// Appends every child of exactly this name to @p children.
+    virtual void GetAllChildsByName(const std::string& name, std::list<CElementNode*>& children) const;
+    /// Takes over non-empty attributes of @p other for which there is one of the same name here, and with @p recursive
+    /// the children likewise. The two may differ in schema; what has no counterpart is dropped.
+    virtual bool InsertFrom(const CElementNode& other, bool recursive);
+
+    /// The first of @p children whose tag the reader stands on, by CXmlStreamReader::IsElement, or null.
+    static CElementNode* FindChildElement(const std::list<CElementNode*>& children, const CXmlStreamReader& reader);
+    /// The attribute of exactly this name, or null. Owned by the element.
+    CReadOnlyAttribute* GetAttributeByName(const std::string& name) const;
+    /// The value of the attribute of this name; for an unknown name an empty text that lives as long as the program.
+    const std::wstring& GetAttributeValue(const std::string& name) const;
+    /// The first child of exactly this name, or null. Owned by the element.
+    CElementNode* GetChildElementByName(const std::string& name) const;
+
+protected:
+    CElementNode() = default;
+    /// Leaves the attribute table empty, so that it can never point into @p other; the class registers its own members.
+    CElementNode(const CElementNode& other);
+    /// Copies nothing and empties the attribute table, for the same reason.
+    CElementNode& operator=(const CElementNode& other);
+
+    /// Appends one attribute, a member of this object, to the attribute table.
+    void AddAttributeNode(CReadOnlyAttribute& attribute);
+    /// Appends all attributes of a class to the attribute table. @p layout must outlive the object.
+    void AddAttributeNodes(const CAttributeLayout& layout);
+
+private:
+    friend class CXmlStreamReader;
+
+    std::size_t AttributeCount() const;
+    CReadOnlyAttribute* AttributeAt(std::size_t index) const;
+    bool SaveContent(CXmlStreamWriter& writer);
+    bool LoadChildren(CXmlStreamReader& reader);
+
+    // The attribute table: the attributes of the class, then those that were added one by one.
+    const CAttributeLayout* m_layout = nullptr;
+    std::unique_ptr<std::vector<CReadOnlyAttribute*>> m_added;
+};
+
+} // namespace KvDeviceFootprint
+
+#endif

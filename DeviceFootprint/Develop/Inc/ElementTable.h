@@ -1,0 +1,323 @@
+#ifndef NYXCONFIG_ELEMENTTABLE_H
+#define NYXCONFIG_ELEMENTTABLE_H
+
+/**
+ * @file
+ * How an element class is written down. A class is a table: one row per attribute, then one row per child, each in the
+ * order in which a file carries them. The order is stated by the rows alone; registration, child list, copying and
+ * assignment follow from it.
+ *
+ *     class CExample : public CElement<CExample>
+ *     {
+ *         DFP_ELEMENT(CExample, "Example")
+ *     public:
+ *         DFP_ATTRIBUTE(name);               // CAttribute m_name, attribute name="..."
+ *         DFP_CHILD(CProperties, properties); // CProperties m_properties
+ *         DFP_ELEMENT_END
+ *     };
+ *
+ * and DFP_DEFINE_ELEMENT(CExample) in one source file. The rows of a class stand on lines of their own, as a row is
+ * found by its line between DFP_ELEMENT and DFP_ELEMENT_END.
+ */
+
+#include "ElementNode.h"
+
+#include <list>
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace KvDeviceFootprint
+{
+
+/// The base of element classes written as tables. Registers the attributes of Derived for each new object, whether it
+/// was made, copied, moved or assigned to, so that Derived needs no code for that.
+template<class Derived>
+class CElement : public CElementNode
+{
+protected:
+    CElement() { AddAttributeNodes(Derived::AttributeLayout()); }
+    CElement(const CElement& other) : CElementNode(other) { AddAttributeNodes(Derived::AttributeLayout()); }
+    CElement& operator=(const CElement& other)
+    {
+        if (this != &other) {
+            CElementNode::operator=(other);
+            AddAttributeNodes(Derived::AttributeLayout());
+        }
+        return *this;
+    }
+    ~CElement() override = default;
+};
+
+/// An element owned through a pointer, for the two children that would otherwise contain themselves. Never null: made
+/// with its owner, copied with it by value, deleted with it.
+template<class T>
+class COwnedElement
+{
+public:
+    COwnedElement();
+    COwnedElement(const COwnedElement& other);
+    /// Takes the element over and leaves a new, empty one behind.
+    COwnedElement(COwnedElement&& other);
+    COwnedElement& operator=(const COwnedElement& other);
+    ~COwnedElement();
+
+    T* get() const { return m_element.get(); }
+    T* operator->() const { return m_element.get(); }
+    T& operator*() const { return *m_element; }
+    operator T*() const { return m_element.get(); }
+
+private:
+    std::unique_ptr<T> m_element;
+};
+
+namespace ElementTable
+{
+
+template<int Number>
+using Line = std::integral_constant<int, Number>;
+
+template<class Element>
+struct Rows;
+
+template<class Element, class Member>
+struct AttributeRow
+{
+    static constexpr bool IsAttribute = true;
+    Member Element::*member;
+};
+
+template<class Element, class Member>
+struct ChildRow
+{
+    static constexpr bool IsAttribute = false;
+    Member Element::*member;
+};
+
+template<class Element, class Member>
+constexpr AttributeRow<Element, Member> Attribute(Member Element::*member)
+{
+    return {member};
+}
+
+template<class Element, class Member>
+constexpr ChildRow<Element, Member> Child(Member Element::*member)
+{
+    return {member};
+}
+
+} // namespace ElementTable
+} // namespace KvDeviceFootprint
+
+// The special members stand here, and not in the class by default, so that the library alone generates them.
+#define DFP_ELEMENT_MEMBERS(Class)                                                                                     \
+public:                                                                                                                \
+    Class();                                                                                                           \
+    Class(const Class& other);                                                                                         \
+    Class& operator=(const Class& other);                                                                              \
+    ~Class() override;                                                                                                 \
+    void initAttributeNodes() override;                                                                                \
+    void GetChildElements(std::list<::KvDeviceFootprint::CElementNode*>& children) const override;                     \
+    /** Where the attributes lie; in file order. */                                                                    \
+    static const ::KvDeviceFootprint::CAttributeLayout& AttributeLayout();                                             \
+                                                                                                                       \
+private:                                                                                                               \
+    template<class Element>                                                                                            \
+    friend struct ::KvDeviceFootprint::ElementTable::Rows;                                                             \
+    using TableClass = Class;                                                                                          \
+    template<int Number>                                                                                               \
+    static void TableRow(::KvDeviceFootprint::ElementTable::Line<Number>);                                             \
+    static constexpr int TableBegin()                                                                                  \
+    {                                                                                                                  \
+        return __LINE__;                                                                                               \
+    }
+
+/// Begins the table of an element class: its name and its tag.
+#define DFP_ELEMENT(Class, tag)                                                                                        \
+public:                                                                                                                \
+    static constexpr const char* Tag = tag;                                                                            \
+    static const std::string s_ElementName;                                                                            \
+    const std::string& GetElementName() const override;                                                                \
+    DFP_ELEMENT_MEMBERS(Class)
+
+/// Begins the table of a class that leaves the tag to the classes derived from it.
+#define DFP_UNNAMED_ELEMENT(Class) DFP_ELEMENT_MEMBERS(Class)
+
+#define DFP_ROW(Kind, member)                                                                                          \
+    static constexpr auto TableRow(::KvDeviceFootprint::ElementTable::Line<__LINE__>)                                  \
+    {                                                                                                                  \
+        return ::KvDeviceFootprint::ElementTable::Kind(&TableClass::member);                                           \
+    }
+
+/// A row of the table: an attribute of the given type, the member `m_name` with the name `name` in a file.
+#define DFP_ATTRIBUTE_OF(Type, name)                                                                                   \
+    Type m_##name{NameOf_##name()};                                                                                    \
+    static const ::KvDeviceFootprint::CNodeName& NameOf_##name()                                                       \
+    {                                                                                                                  \
+        static const ::KvDeviceFootprint::CNodeName text(#name);                                                       \
+        return text;                                                                                                   \
+    }                                                                                                                  \
+    DFP_ROW(Attribute, m_##name)                                                                                       \
+    static_assert(true, "")
+
+#define DFP_ATTRIBUTE(name) DFP_ATTRIBUTE_OF(::KvDeviceFootprint::CAttribute, name)
+
+/// A row of the table: a child element held by value, the member `m_name`.
+#define DFP_CHILD(Type, name)                                                                                          \
+    Type m_##name;                                                                                                     \
+    DFP_ROW(Child, m_##name)                                                                                           \
+    static_assert(true, "")
+
+/// A row of the table: a child element owned through a pointer, the member `m_pName`.
+#define DFP_OWNED_CHILD(Type, Name)                                                                                    \
+    ::KvDeviceFootprint::COwnedElement<Type> m_p##Name;                                                                \
+    DFP_ROW(Child, m_p##Name)                                                                                          \
+    static_assert(true, "")
+
+/// Ends the table.
+#define DFP_ELEMENT_END                                                                                                \
+private:                                                                                                               \
+    static constexpr int TableEnd()                                                                                    \
+    {                                                                                                                  \
+        return __LINE__;                                                                                               \
+    }
+
+namespace KvDeviceFootprint
+{
+namespace ElementTable
+{
+
+/// Walks the rows of an element class.
+template<class Element>
+struct Rows
+{
+    /// Calls visit(row) for each row of the table, in order.
+    template<class Visitor>
+    static void ForEach(Visitor&& visit)
+    {
+        Walk(visit, std::make_integer_sequence<int, Element::TableEnd() - Element::TableBegin()>{});
+    }
+
+    /// Copies the member of each row, in order.
+    static void Assign(Element& target, const Element& source)
+    {
+        ForEach([&](auto row) { target.*row.member = source.*row.member; });
+    }
+
+    static CAttributeLayout MakeLayout()
+    {
+        // Only addresses are computed; no object is needed for that, just room for one.
+        alignas(Element) static char room[sizeof(Element)];
+        const auto* element = reinterpret_cast<const Element*>(room);
+        std::vector<std::ptrdiff_t> offsets;
+        ForEach([&](auto row) {
+            if constexpr (decltype(row)::IsAttribute) {
+                offsets.push_back(reinterpret_cast<const char*>(&(element->*row.member)) - room);
+            }
+        });
+        return CAttributeLayout(std::move(offsets));
+    }
+
+    static void GetChildren(const Element& element, std::list<CElementNode*>& children)
+    {
+        children.clear();
+        ForEach([&](auto row) {
+            if constexpr (!decltype(row)::IsAttribute) {
+                // The walks need one operation for reading and for changing, so it is const and gives mutable children.
+                children.push_back(Address(const_cast<Element&>(element).*row.member));
+            }
+        });
+    }
+
+private:
+    template<class Visitor, int... Offset>
+    static void Walk(Visitor& visit, std::integer_sequence<int, Offset...>)
+    {
+        (VisitLine<Element::TableBegin() + Offset>(visit), ...);
+    }
+
+    template<int Number, class Visitor>
+    static void VisitLine([[maybe_unused]] Visitor& visit)
+    {
+        if constexpr (!std::is_void_v<decltype(Element::TableRow(Line<Number>{}))>) {
+            visit(Element::TableRow(Line<Number>{}));
+        }
+    }
+
+    static CElementNode* Address(CElementNode& child) { return &child; }
+    template<class T>
+    static CElementNode* Address(COwnedElement<T>& child)
+    {
+        return child.get();
+    }
+};
+
+} // namespace ElementTable
+
+template<class T>
+COwnedElement<T>::COwnedElement() : m_element(std::make_unique<T>())
+{
+}
+
+template<class T>
+COwnedElement<T>::COwnedElement(const COwnedElement& other) : m_element(std::make_unique<T>(*other.m_element))
+{
+}
+
+template<class T>
+COwnedElement<T>::COwnedElement(COwnedElement&& other) : m_element(std::make_unique<T>())
+{
+    m_element.swap(other.m_element);
+}
+
+template<class T>
+COwnedElement<T>& COwnedElement<T>::operator=(const COwnedElement& other)
+{
+    if (this != &other) {
+        // The copy is made first: the source may lie inside the element that is given up here.
+        auto copy = std::make_unique<T>(*other.m_element);
+        m_element = std::move(copy);
+    }
+    return *this;
+}
+
+template<class T>
+COwnedElement<T>::~COwnedElement() = default;
+
+} // namespace KvDeviceFootprint
+
+/// Defines the operations that follow from the rows.
+#define DFP_DEFINE_ELEMENT_TABLE(Class)                                                                                \
+    const CAttributeLayout& Class::AttributeLayout()                                                                   \
+    {                                                                                                                  \
+        static const CAttributeLayout layout = ElementTable::Rows<Class>::MakeLayout();                                \
+        return layout;                                                                                                 \
+    }                                                                                                                  \
+    void Class::initAttributeNodes()                                                                                   \
+    {                                                                                                                  \
+        AddAttributeNodes(AttributeLayout());                                                                          \
+    }                                                                                                                  \
+    void Class::GetChildElements(std::list<CElementNode*>& children) const                                             \
+    {                                                                                                                  \
+        ElementTable::Rows<Class>::GetChildren(*this, children);                                                       \
+    }
+
+#define DFP_DEFINE_ELEMENT_NAME(Class)                                                                                 \
+    const std::string Class::s_ElementName(Class::Tag);                                                                \
+    const std::string& Class::GetElementName() const                                                                   \
+    {                                                                                                                  \
+        return s_ElementName;                                                                                          \
+    }
+
+/// Defines what DFP_ELEMENT declares. Stands in one source file, in the namespace of the class.
+#define DFP_DEFINE_ELEMENT(Class)                                                                                      \
+    Class::Class() = default;                                                                                          \
+    Class::Class(const Class& other) = default;                                                                        \
+    Class& Class::operator=(const Class& other) = default;                                                             \
+    Class::~Class() = default;                                                                                         \
+    DFP_DEFINE_ELEMENT_NAME(Class)                                                                                     \
+    DFP_DEFINE_ELEMENT_TABLE(Class)
+
+#endif

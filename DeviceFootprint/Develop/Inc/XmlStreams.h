@@ -1,0 +1,258 @@
+#ifndef NYXCONFIG_XMLSTREAMS_H
+#define NYXCONFIG_XMLSTREAMS_H
+
+#include "nyxconfig_export.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+/**
+ * @file
+ * The reader and writer of the library's XML dialect, in which each line is one token: a start tag, an end tag or a tag
+ * that is both. The form that the writer gives is the form of all files, to the byte:
+ *
+ *     <?xml version="1.0" encoding="utf-8" ?>
+ *     <Properties>
+ *       <Property name="a" value="1 &lt; 2"/>
+ *     </Properties>
+ *
+ * Lines end in one line feed; two blanks for each element that is open around a line; attributes with an empty value
+ * are left out; in values the five entities and decimal references replace everything that is not printable ASCII.
+ */
+
+namespace KvDeviceFootprint
+{
+
+class CReadOnlyAttribute;
+
+/// What CXmlStreamWriter writes to. The order of the virtual operations is part of the library's binary interface.
+class NYXCONFIG_EXPORT CAbstractStream
+{
+public:
+    virtual ~CAbstractStream();
+    /// Layout, tags and names.
+    virtual void WriteNonEmptyString(const std::string& text) = 0;
+    /// One attribute in the form `name="value"`, escaped, without a blank before it.
+    virtual void WriteAttributeValue(const std::string& text);
+    virtual void WriteNewLine() = 0;
+    /// A ready-made line of a connected device; @p first marks the first line of the device.
+    virtual void WriteConnectedDeviceLine(const std::string& line, bool first) = 0;
+
+    void WriteBeginToken();
+    void WriteEndToken();
+    void WriteBeginEndToken();
+    void WriteNoAddedEndToken();
+    /// Nothing is sent for a count of 0.
+    void WriteSpaces(std::size_t count);
+
+protected:
+    CAbstractStream() = default;
+    CAbstractStream(const CAbstractStream&) = default;
+    CAbstractStream& operator=(const CAbstractStream&) = default;
+};
+
+/// Writes the bytes as they come to a standard stream. Faults of that stream are not looked at.
+class NYXCONFIG_EXPORT COutStream : public CAbstractStream
+{
+public:
+    /// @param output not owned; must outlive this object.
+    explicit COutStream(std::ostream& output) : m_output(&output) {}
+    ~COutStream() override;
+
+    void WriteNonEmptyString(const std::string& text) override;
+    /// Writes one line feed and flushes the stream.
+    void WriteNewLine() override;
+    void WriteConnectedDeviceLine(const std::string& line, bool first) override;
+
+private:
+    std::ostream* m_output;
+};
+
+/// A row of s_XmlEntities: an entity and the character for which it stands.
+struct XmlEntity
+{
+    const wchar_t* text;
+    wchar_t character;
+};
+
+/// The five entities in the order of processing: "&" goes first, so that the "&" of the others is not escaped again.
+NYXCONFIG_EXPORT extern const std::array<XmlEntity, 5> s_XmlEntities;
+
+/**
+ * A pull reader that takes one line as one token.
+ *
+ * Use: NextToken() until the wanted root stands in the token (IsElement()), then CElementNode::LoadFromStream, which
+ * leaves the reader on the token behind the element.
+ *
+ * Not handled, as no writer of this dialect makes them: tags spread over several lines, a second tag on a line, blanks
+ * behind a "/>", comments, text. A line that is neither an end tag nor ends in "/>" is a start tag, whatever it holds.
+ *
+ * Failures are reported through CDeviceFootprint::SetLastError. A reader belongs to one thread.
+ */
+class NYXCONFIG_EXPORT CXmlStreamReader
+{
+public:
+    /// How deep elements may be nested in a file that is loaded or saved, the root included. Loading and all later
+    /// walks are recursive; the bound lets them run in a thread with a stack of 256 KiB.
+    static constexpr std::size_t MaxDepth = 256;
+
+    /// Reads nothing yet.
+    /// @param input not owned; must outlive the reader.
+    /// @param name what to call the stream in messages; not copied, must outlive the reader.
+    CXmlStreamReader(std::istream& input, const std::string& name);
+    CXmlStreamReader(std::istream& input, std::string&& name) = delete;
+    CXmlStreamReader(const CXmlStreamReader&) = delete;
+    CXmlStreamReader& operator=(const CXmlStreamReader&) = delete;
+    virtual ~CXmlStreamReader();
+
+    /**
+     * Advances by one line.
+     *
+     * @return false at the end of the stream, without a text; false with "Error reading xml" if the stream failed, and
+     * with the text of InvalidUTF8() if the line is no UTF-8. The token is then empty.
+     * @throw std::out_of_range for a line of nothing but blanks and tabs. Nothing in the library catches it.
+     */
+    bool NextToken();
+    /// Whether the token is an end tag.
+    bool IsEndToken() const { return m_isEndToken; }
+    /// Whether the token is an end tag whose name begins with @p name.
+    bool IsEndToken(const std::string& name) const;
+    /// Whether the token ends in "/>".
+    bool ElementHasNoChilds() const { return m_hasNoChildren; }
+    /**
+     * Whether the token is a start tag whose name begins with @p name: only a prefix is compared, by design, and the
+     * first character of the token is not looked at.
+     * @throw std::out_of_range for an empty token, as a blank line gives and the end of a file behind an end tag.
+     */
+    bool IsElement(const std::string& name) const;
+    /// The whole token, narrowed by NarrowText().
+    std::string GetCurrentElement() const;
+    /// The unescaped value of an attribute of the token; empty if there is none. Always true.
+    bool GetAttribute(const std::string& name, std::wstring& value);
+    /// The same with the attribute's name, into its value.
+    bool GetAttribute(CReadOnlyAttribute& attribute);
+    /// Moves on to the token behind the current element and all that it holds. The names of end tags are not tested.
+    bool SkipCurrentElement();
+    /// "name, line 12", without the name and comma if the stream has no name.
+    std::string GetCurrentPositionText() const;
+    /// Appends the decoded text; false at the first failure, with what was decoded so far appended.
+    bool GetStringFromUTF8(const std::string& text, std::wstring& decoded) const;
+    /// Decodes one character and moves @p cursor behind it; on failure the cursor stays on the first byte.
+    bool GetCharFromUTF8(const char*& cursor, const char* end, wchar_t& character) const;
+    /// Reports an encoding error at the current position. Always false.
+    bool InvalidUTF8(const std::string& detail) const;
+
+    /// Enters one element more; false, reported, beyond MaxDepth. Each call that gave true is followed by
+    /// LeaveElement().
+    bool EnterElement();
+    void LeaveElement() { --m_depth; }
+
+private:
+    struct Span
+    {
+        std::size_t begin;
+        std::size_t length;
+    };
+    struct LocatedAttribute
+    {
+        Span name;
+        Span value;
+    };
+
+    bool ReadLine();
+    bool ValidateLine();
+    bool MayHold(const std::string& name) const;
+    bool LocateAttributes();
+    bool FindAttribute(const std::string& name, Span& value);
+    bool FindByText(const std::string& name, Span& value) const;
+    void DecodeValue(const Span& span, std::wstring& value) const;
+
+    std::istream* m_input;
+    const std::string* m_name;
+    std::uint32_t m_lineNumber = 0;
+    bool m_isEndToken = false;
+    bool m_hasNoChildren = false;
+    // The token is a part of the line, kept in UTF-8, which was tested: values alone need wide characters.
+    std::string m_line;
+    std::size_t m_tokenBegin = 0;
+    std::size_t m_tokenEnd = 0;
+    bool m_isAscii = true;
+    enum
+    {
+        eNotTried,
+        eLocated,
+        eOtherForm
+    } m_attributesState = eNotTried;
+    std::vector<LocatedAttribute> m_attributes;
+    std::uint64_t m_attributeKeys = 0;
+    bool m_keysCollide = false;
+    std::size_t m_nextAttribute = 0;
+    std::size_t m_depth = 0;
+};
+
+/**
+ * Writes elements and attributes to a CAbstractStream. Each ">" and line end is written only when the next call shows
+ * which form is needed, so a call often ends what the one before began. A root without children is left without its
+ * "/>", as no later call would write it.
+ *
+ * Order of calls for a file: WriteFirstLine(), BeginElement() of the root, its SetAttribute() calls, the children,
+ * EndElement(). SetAttribute() does not test the state. A writer belongs to one thread.
+ */
+class NYXCONFIG_EXPORT CXmlStreamWriter
+{
+public:
+    /// Writes nothing yet.
+    /// @param output not owned; must outlive the writer.
+    /// @param name what to call the stream in messages; not copied, must outlive the writer.
+    CXmlStreamWriter(CAbstractStream& output, const std::string& name);
+    CXmlStreamWriter(CAbstractStream& output, std::string&& name) = delete;
+    CXmlStreamWriter(const CXmlStreamWriter&) = delete;
+    CXmlStreamWriter& operator=(const CXmlStreamWriter&) = delete;
+    virtual ~CXmlStreamWriter();
+
+    /// Writes the XML declaration. Always true.
+    bool WriteFirstLine();
+    /// Always true.
+    bool BeginElement(const std::string& name);
+    /// Always true.
+    bool EndElement();
+    /// Writes nothing for an empty value. False only if the value can not be written in UTF-8.
+    bool SetAttribute(const std::string& name, const std::wstring& value);
+    bool SetAttribute(const CReadOnlyAttribute& attribute);
+    /// Writes one ready-made line in the place of a child element; false, with nothing written, if fewer than two
+    /// elements are open. @p first closes the tag before it; @p last leaves the line open for what follows to close
+    /// with ">".
+    bool AddListEntry(const std::string& line, bool first, bool last);
+    /// The name and ", ", or an empty text without a name.
+    std::string GetCurrentPositionText() const;
+    /// Appends the UTF-8 form of @p text; false at the first value that is no Unicode character.
+    bool GetUTF8FromString(const std::wstring& text, std::string& encoded) const;
+    /// Reports an encoding error. Always false.
+    bool InvalidUTF8(const std::string& detail) const;
+
+    /// Whether the output is a CChecksumStream, for which the save walk sorts by name.
+    bool IsForChecksum() const { return m_isForChecksum; }
+    /// Whether a further element would be nested deeper than CXmlStreamReader::MaxDepth, which is reported.
+    bool IsTooDeep() const;
+
+private:
+    void CloseStartTag();
+
+    static constexpr std::size_t IndentationStep = 2;
+
+    CAbstractStream* m_output;
+    const std::string* m_name;
+    std::vector<std::string> m_openElements;
+    bool m_isStartTagOpen = true;
+    bool m_isEmptyClosePending = false;
+    bool m_isForChecksum;
+    std::string m_attributeText; // kept for its capacity
+};
+
+} // namespace KvDeviceFootprint
+
+#endif

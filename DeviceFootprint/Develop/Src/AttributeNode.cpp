@@ -1,0 +1,207 @@
+#include "AttributeNode.h"
+
+#include "DeviceFootprint.h"
+
+#include "CLocale.h"
+
+#include <cstddef>
+#include <ctime>
+#include <cwchar>
+#include <iterator>
+#include <mutex>
+#include <set>
+
+namespace KvDeviceFootprint
+{
+
+namespace
+{
+
+/// The one copy of each attribute name. Never freed: objects of static storage may outlive any order of destruction.
+const std::string* SharedName(const char* text)
+{
+    static std::mutex lock;
+    static auto& names = *new std::set<std::string>;
+    const std::lock_guard<std::mutex> guard(lock);
+    return &*names.emplace(text == nullptr ? "" : text).first;
+}
+
+std::string TwoDigits(int number)
+{
+    return (number < 10 ? "0" : "") + std::to_string(number);
+}
+
+} // namespace
+
+std::string NarrowText(const std::wstring& text)
+{
+    std::string narrow(text.size(), '\0');
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        narrow[i] = ToSingleChar(text[i]);
+    }
+    return narrow;
+}
+
+std::wstring WidenText(const std::string& text)
+{
+    std::wstring wide(text.size(), L'\0');
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        wide[i] = static_cast<wchar_t>(static_cast<signed char>(text[i]));
+    }
+    return wide;
+}
+
+CNode::~CNode() = default;
+
+CNodeName::CNodeName(const char* text) : m_text(SharedName(text)) {}
+
+CReadOnlyAttribute::~CReadOnlyAttribute() = default;
+
+const std::string& CReadOnlyAttribute::GetNodeName() const
+{
+    return m_name.Text();
+}
+
+bool CReadOnlyAttribute::Set(const std::wstring& value)
+{
+    m_value = value;
+    return true;
+}
+
+bool CReadOnlyAttribute::Set(const std::string& value)
+{
+    m_value = WidenText(value);
+    return true;
+}
+
+bool CReadOnlyAttribute::SetBool(bool value)
+{
+    m_value = value ? L"true" : L"false";
+    return true;
+}
+
+bool CReadOnlyAttribute::SetInteger(long value)
+{
+    wchar_t text[32];
+    std::swprintf(text, std::size(text), L"%ld", value);
+    m_value = text;
+    return true;
+}
+
+CReadOnlyAttribute& CReadOnlyAttribute::operator=(const std::wstring& value)
+{
+    Set(value);
+    return *this;
+}
+
+CReadOnlyAttribute& CReadOnlyAttribute::operator=(const std::string& value)
+{
+    Set(value);
+    return *this;
+}
+
+CReadOnlyAttribute& CReadOnlyAttribute::operator=(const char* value)
+{
+    Set(std::string(value == nullptr ? "" : value));
+    return *this;
+}
+
+CReadOnlyAttribute& CReadOnlyAttribute::operator=(const wchar_t* value)
+{
+    Set(std::wstring(value == nullptr ? L"" : value));
+    return *this;
+}
+
+CReadOnlyAttribute& CReadOnlyAttribute::operator=(long value)
+{
+    SetInteger(value);
+    return *this;
+}
+
+bool CReadOnlyAttribute::Get(std::wstring& value) const
+{
+    if (IsEmpty()) {
+        return EmptyGetError();
+    }
+    value = m_value;
+    return true;
+}
+
+bool CReadOnlyAttribute::Get(std::string& value) const
+{
+    if (IsEmpty()) {
+        return EmptyGetError();
+    }
+    value = NarrowText(m_value);
+    return true;
+}
+
+bool CReadOnlyAttribute::GetBool(bool& value) const
+{
+    if (IsEmpty()) {
+        return EmptyGetError();
+    }
+    if (m_value == L"true") {
+        value = true;
+        return true;
+    }
+    if (m_value == L"false") {
+        value = false;
+        return true;
+    }
+    return CDeviceFootprint::SetLastError("invalid boolean attribute");
+}
+
+bool CReadOnlyAttribute::GetInteger(long& value) const
+{
+    if (IsEmpty()) {
+        return EmptyGetError();
+    }
+    value = wcstol_l(m_value.c_str(), nullptr, 10, CLocale());
+    return true;
+}
+
+bool CReadOnlyAttribute::EmptyGetError() const
+{
+    return CDeviceFootprint::SetLastError("Can not access empty attribute \"" + GetNodeName() + "\"!");
+}
+
+bool CReadOnlyAttribute::IsEqual(const CReadOnlyAttribute& other, bool emptiesAreEqual) const
+{
+    if (this == &other) {
+        return true;
+    }
+    if (m_name != other.m_name) {
+        return false;
+    }
+    if (emptiesAreEqual && IsEmpty()) {
+        return other.IsEmpty();
+    }
+    return m_value == other.m_value && !m_value.empty();
+}
+
+CAttribute::~CAttribute() = default;
+
+CTimeAttribute::~CTimeAttribute() = default;
+
+void CTimeAttribute::SetCreationDateToCurrent()
+{
+    const std::time_t now = std::time(nullptr);
+    m_seconds = static_cast<std::int32_t>(now);
+    std::tm date = {};
+    if (gmtime_r(&now, &date) == nullptr) {
+        Clear();
+        return;
+    }
+    Set(std::to_string(date.tm_year + 1900) + "-" + TwoDigits(date.tm_mon + 1) + "-" + TwoDigits(date.tm_mday) + "T" +
+        TwoDigits(date.tm_hour) + ":" + TwoDigits(date.tm_min) + ":" + TwoDigits(date.tm_sec));
+}
+
+bool CTimeAttribute::operator<(const CTimeAttribute& other) const
+{
+    // In unsigned arithmetic, in which a difference wraps as the 32-bit subtraction does.
+    const auto difference = static_cast<std::uint32_t>(other.m_seconds) - static_cast<std::uint32_t>(m_seconds);
+    return static_cast<std::int32_t>(difference) > 0;
+}
+
+} // namespace KvDeviceFootprint

@@ -1,0 +1,206 @@
+#include "Comparators.h"
+
+#include "DfpErrorHandler.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+#include <memory>
+
+namespace KvDeviceFootprint
+{
+
+namespace
+{
+
+/// Equal values, two empty ones included.
+bool AreEqual(const CReadOnlyAttribute& lhs, const CReadOnlyAttribute& rhs)
+{
+    return lhs.IsEqual(rhs, true);
+}
+
+/// A board's number in 32 bits on every machine.
+int BoardNumber(const CReadOnlyAttribute& attribute)
+{
+    long number = 0;
+    attribute.GetInteger(number);
+    number = std::max(number, static_cast<long>(std::numeric_limits<int>::min()));
+    return static_cast<int>(std::min(number, static_cast<long>(std::numeric_limits<int>::max())));
+}
+
+void ReportUnresolvedParent(int parentId)
+{
+    // The letter behind the number belongs to the message.
+    CDfpErrorHandler::Instance()->AddError(
+        eDfpErrorTypeInconsistentDfp, "Inconsistent Hardware found. ParentID \"%dx\" could not be resolved", parentId);
+}
+
+/// From the number of a board to the index of the pair in which it stands.
+using CBoardIndex = std::map<int, unsigned>;
+
+/// Whether the parents of the two boards of a pair are the two boards of a pair.
+bool HaveSameParent(const CHardware& lhs, const CHardware& rhs, const CBoardIndex& lhsIndex,
+                    const CBoardIndex& rhsIndex)
+{
+    if (lhs.m_parentId.IsEmpty() || rhs.m_parentId.IsEmpty()) {
+        return lhs.m_parentId.IsEmpty() && rhs.m_parentId.IsEmpty();
+    }
+    const int lhsParentId = BoardNumber(lhs.m_parentId);
+    const int rhsParentId = BoardNumber(rhs.m_parentId);
+    const auto lhsParent = lhsIndex.find(lhsParentId);
+    const auto rhsParent = rhsIndex.find(rhsParentId);
+    const bool lhsFound = lhsParent != lhsIndex.end();
+    const bool rhsFound = rhsParent != rhsIndex.end();
+    if (lhsFound && rhsFound) {
+        return lhsParent->second == rhsParent->second;
+    }
+    if (!lhsFound) {
+        ReportUnresolvedParent(lhsParentId);
+    }
+    if (!rhsFound) {
+        ReportUnresolvedParent(rhsParentId);
+    }
+    // Broken in the same way on both sides is no difference.
+    return lhsFound == rhsFound;
+}
+
+template<class Comparator>
+void AddRule(CComparatorRules& rules)
+{
+    rules.Add(std::make_unique<Comparator>().release()); // the rule set owns it
+}
+
+} // namespace
+
+void ComparatorPreconditionFailed(const char* precondition)
+{
+    std::fprintf(stderr, "nyxconfig: comparison stopped, violated precondition: %s\n", precondition);
+    std::abort();
+}
+
+CComparatorBase::~CComparatorBase() = default;
+
+CComparatorRulesFactory::~CComparatorRulesFactory() = default;
+
+CComparatorRules::~CComparatorRules()
+{
+    Clear();
+}
+
+void CComparatorRules::Add(const CComparatorBase* comparator)
+{
+    if (comparator == nullptr) {
+        ComparatorPreconditionFailed("the added comparator is not null");
+    }
+    std::unique_ptr<const CComparatorBase> owned(comparator);
+    const CComparatorBase*& place = m_comparators[comparator->GetAssociatedNodeName()];
+    if (place != comparator) {
+        delete place;
+    }
+    place = owned.release();
+}
+
+void CComparatorRules::Clear()
+{
+    for (const auto& rule : m_comparators) {
+        delete rule.second;
+    }
+    m_comparators.clear();
+}
+
+const CComparatorBase* CComparatorRules::Find(const std::string& elementName) const
+{
+    const auto rule = m_comparators.find(elementName);
+    return rule == m_comparators.end() ? nullptr : rule->second;
+}
+
+bool CDeviceDataComparator::CompareInternal(const CDeviceData& lhs, const CDeviceData& rhs) const
+{
+    return AreEqual(lhs.m_deviceId, rhs.m_deviceId) && AreEqual(lhs.m_productDate, rhs.m_productDate) &&
+           AreEqual(lhs.m_upgradePartNumber, rhs.m_upgradePartNumber);
+}
+
+bool CMaintenanceDataComparator::CompareInternal(const CMaintenanceData& lhs, const CMaintenanceData& rhs) const
+{
+    return AreEqual(lhs.m_operatingHours, rhs.m_operatingHours) &&
+           AreEqual(lhs.m_makeAndBreakCycles, rhs.m_makeAndBreakCycles);
+}
+
+bool CHardwareComparator::CompareInternal(const CHardware& lhs, const CHardware& rhs) const
+{
+    return AreEqual(lhs.m_connectorName, rhs.m_connectorName);
+}
+
+bool CHardwareListComparator::CompareInternal(const CElementNodeList<CHardware>& lhs,
+                                              const CElementNodeList<CHardware>& rhs,
+                                              const CComparatorRules& rules) const
+{
+    CLookup lookup;
+    if (!CreateLookup(lhs, rhs, lookup)) {
+        return false;
+    }
+    CBoardIndex lhsIndex;
+    CBoardIndex rhsIndex;
+    unsigned index = 0;
+    for (const auto& pair : lookup) {
+        if (pair.first->m_id.IsEmpty() || pair.second->m_id.IsEmpty()) {
+            return false;
+        }
+        // Of two boards with one number the earlier one keeps it.
+        lhsIndex.emplace(BoardNumber(pair.first->m_id), index);
+        rhsIndex.emplace(BoardNumber(pair.second->m_id), index);
+        if (!pair.first->Compare(*pair.second, rules)) {
+            return false;
+        }
+        ++index;
+    }
+    return std::all_of(lookup.begin(), lookup.end(),
+                       [&](const auto& pair) { return HaveSameParent(*pair.first, *pair.second, lhsIndex, rhsIndex); });
+}
+
+bool CProgrammablePartComparator::CompareInternal(const CProgrammablePart& lhs, const CProgrammablePart& rhs) const
+{
+    return AreEqual(lhs.m_version, rhs.m_version);
+}
+
+bool CBiosComparator::CompareInternal(const CBios& lhs, const CBios& rhs) const
+{
+    return AreEqual(lhs.m_version, rhs.m_version);
+}
+
+bool COperatingSystemComparator::CompareInternal(const COperatingSystem& lhs, const COperatingSystem& rhs) const
+{
+    return AreEqual(lhs.m_version, rhs.m_version);
+}
+
+bool CSoftwareComparator::CompareInternal(const CSoftware& lhs, const CSoftware& rhs) const
+{
+    return AreEqual(lhs.m_version, rhs.m_version);
+}
+
+CDefaultHistoryComparatorRulesFactory::~CDefaultHistoryComparatorRulesFactory() = default;
+
+void CDefaultHistoryComparatorRulesFactory::CreateRules(CComparatorRules& rules) const
+{
+    AddRule<CListComparatorTyped<CConnectedDevice, CConnectedDeviceList>>(rules);
+    AddRule<CBiosComparator>(rules);
+    AddRule<COperatingSystemComparator>(rules);
+    AddRule<CSoftwareComparator>(rules);
+    AddRule<CListComparatorTyped<CSoftware, CSoftwareList>>(rules);
+    AddRule<CDeviceDataComparator>(rules);
+    AddRule<CMaintenanceDataComparator>(rules);
+    AddRule<CListComparatorTyped<CMaintenance, CMaintenances>>(rules);
+    AddRule<CListComparatorTyped<CMaintenanceTask, CMaintenanceTasks>>(rules);
+    AddRule<CListComparatorTyped<CMaintenanceInfo, CMaintenanceInfos>>(rules);
+    AddRule<CHardwareComparator>(rules);
+    AddRule<CHardwareListComparator>(rules);
+    AddRule<CProgrammablePartComparator>(rules);
+    AddRule<CListComparatorTyped<CProgrammablePart, CProgrammableParts>>(rules);
+    AddRule<CComparatorDefault<CService>>(rules);
+    AddRule<CListComparatorTyped<CService, CServices>>(rules);
+    AddRule<CComparatorDefault<CProduct>>(rules);
+    AddRule<CListComparatorTyped<CProduct, CProductList>>(rules);
+}
+
+} // namespace KvDeviceFootprint

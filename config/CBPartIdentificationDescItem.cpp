@@ -1,0 +1,8 @@
+#include "CBPartIdentificationDescItem.h"
+
+namespace KvOrdo
+{
+
+CBPartIdentificationDescItem::~CBPartIdentificationDescItem() = default;
+
+} // namespace KvOrdo

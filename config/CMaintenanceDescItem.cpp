@@ -1,0 +1,8 @@
+#include "CMaintenanceDescItem.h"
+
+namespace KvOrdo
+{
+
+CMaintenanceDescItem::~CMaintenanceDescItem() = default;
+
+} // namespace KvOrdo

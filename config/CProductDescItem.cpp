@@ -1,0 +1,8 @@
+#include "CProductDescItem.h"
+
+namespace KvOrdo
+{
+
+CProductDescItem::~CProductDescItem() = default;
+
+} // namespace KvOrdo

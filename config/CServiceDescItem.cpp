@@ -1,0 +1,8 @@
+#include "CServiceDescItem.h"
+
+namespace KvOrdo
+{
+
+CServiceDescItem::~CServiceDescItem() = default;
+
+} // namespace KvOrdo

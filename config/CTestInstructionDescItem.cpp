@@ -1,0 +1,8 @@
+#include "CTestInstructionDescItem.h"
+
+namespace KvOrdo
+{
+
+CTestInstructionDescItem::~CTestInstructionDescItem() = default;
+
+} // namespace KvOrdo

@@ -1,0 +1,8 @@
+#include "HwProgrammablePartDescItem.h"
+
+namespace KvOrdo
+{
+
+HwProgrammablePartDescItem::~HwProgrammablePartDescItem() = default;
+
+} // namespace KvOrdo

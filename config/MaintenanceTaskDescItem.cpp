@@ -1,0 +1,8 @@
+#include "MaintenanceTaskDescItem.h"
+
+namespace KvOrdo
+{
+
+MaintenanceTaskDescItem::~MaintenanceTaskDescItem() = default;
+
+} // namespace KvOrdo

@@ -1,0 +1,8 @@
+#include "SoftwareDescItem.h"
+
+namespace KvOrdo
+{
+
+SoftwareDescItem::~SoftwareDescItem() = default;
+
+} // namespace KvOrdo

@@ -1,0 +1,21 @@
+#ifndef NYXTEST_EXCEPTIONSON_H
+#define NYXTEST_EXCEPTIONSON_H
+
+#include "DeviceFootprint.h"
+
+namespace NyxTest
+{
+
+/// While it lives, a reported failure throws.
+class ExceptionsOn
+{
+public:
+    ExceptionsOn() { KvDeviceFootprint::CDeviceFootprint::EnableExceptions(true); }
+    ExceptionsOn(const ExceptionsOn&) = delete;
+    ExceptionsOn& operator=(const ExceptionsOn&) = delete;
+    ~ExceptionsOn() { KvDeviceFootprint::CDeviceFootprint::DisableExceptions(); }
+};
+
+} // namespace NyxTest
+
+#endif
