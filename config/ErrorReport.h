@@ -6,11 +6,9 @@
 namespace KvOrdo
 {
 
-/// Writes the text and a line end to the narrow error stream.
+/// Writes the text and a line end to the narrow or the wide error stream. Where the process's standard error can not take
+/// text of that width any more, the text goes to the other stream instead of nowhere.
 void WriteError(const std::string& text);
-
-/// Writes the text and a line end to the wide error stream. Where the process's standard error can not take wide text
-/// any more, the text goes to the narrow stream instead of nowhere.
 void WriteError(const std::wstring& text);
 
 /// Writes the text and a line end to the narrow error stream; then, with throwOnError, throws CNyxConfigException with

@@ -26,7 +26,7 @@ NYXCONFIG_EXPORT std::wstring WidenText(const std::string& text);
 class NYXCONFIG_EXPORT CNode
 {
 public:
-    virtual ~CNode();
+    virtual ~CNode() = default;
 
     /// The node's name. The reference lives as long as the node.
     virtual const std::string& GetNodeName() const = 0;
@@ -82,7 +82,7 @@ public:
     explicit CReadOnlyAttribute(const CNodeName& name) : m_name(name) {}
     CReadOnlyAttribute(const CReadOnlyAttribute&) = default;
     CReadOnlyAttribute(CReadOnlyAttribute&&) = default;
-    ~CReadOnlyAttribute() override;
+    ~CReadOnlyAttribute() override = default;
 
     const std::string& GetNodeName() const override;
 
@@ -127,6 +127,7 @@ public:
     bool IsEqual(const CReadOnlyAttribute& other, bool emptiesAreEqual) const;
 
 private:
+    friend class CElementLayout;   // compares names by identity
     friend class CXmlStreamReader; // decodes straight into the value
 
     CNodeName m_name;
@@ -143,7 +144,7 @@ public:
     CAttribute(CAttribute&&) = default;
     CAttribute& operator=(const CAttribute&) = default;
     CAttribute& operator=(CAttribute&&) = default;
-    ~CAttribute() override;
+    ~CAttribute() override = default;
 
     using CReadOnlyAttribute::operator=;
 };
@@ -164,7 +165,7 @@ public:
     CTimeAttribute(CTimeAttribute&&) = default;
     CTimeAttribute& operator=(const CTimeAttribute&) = default;
     CTimeAttribute& operator=(CTimeAttribute&&) = default;
-    ~CTimeAttribute() override;
+    ~CTimeAttribute() override = default;
 
     using CReadOnlyAttribute::operator=;
 

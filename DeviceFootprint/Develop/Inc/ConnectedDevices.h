@@ -15,6 +15,7 @@ namespace KvDeviceFootprint
 class NYXCONFIG_EXPORT CConnectedDevice : public CDeviceFootprintData
 {
 public:
+    static constexpr const char* Tag = "ConnectedDevice";
     static const std::string s_ElementName;
 
     CConnectedDevice();
@@ -38,6 +39,7 @@ public:
 class NYXCONFIG_EXPORT CConnectedDeviceList : public CElementNodeList<CConnectedDevice>
 {
 public:
+    static constexpr const char* Tag = "ConnectedDeviceList";
     static const std::string s_ElementName;
 
     CConnectedDeviceList();

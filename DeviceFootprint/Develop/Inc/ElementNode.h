@@ -7,6 +7,7 @@
 #include <list>
 #include <memory>
 #include <string>
+#include <typeinfo>
 #include <vector>
 
 namespace KvDeviceFootprint
@@ -16,22 +17,56 @@ class CComparatorRules;
 class CXmlStreamReader;
 class CXmlStreamWriter;
 
-/// Where the attributes of an element class lie in its objects, in table order. One per class, made once, shared by all
-/// objects of the class; an object's attribute table then needs no memory of its own.
-class NYXCONFIG_EXPORT CAttributeLayout
+class CElementNode;
+
+/// What all objects of an element class have in common: where its attributes and children lie, and their canonical order.
+/// One per class, made once; an object's attribute table then needs no memory of its own.
+class NYXCONFIG_EXPORT CElementLayout
 {
 public:
-    /// @param offsets distances of the attributes from the object's CElementNode, in bytes.
-    explicit CAttributeLayout(std::vector<std::ptrdiff_t> offsets) : m_offsets(std::move(offsets)) {}
+    /// Gives a child of an object of the class.
+    using TChildGetter = CElementNode* (*)(const CElementNode& element);
 
-    std::size_t Count() const { return m_offsets.size(); }
-    CReadOnlyAttribute* At(const void* element, std::size_t index) const
+    struct Attribute
     {
-        return reinterpret_cast<CReadOnlyAttribute*>(static_cast<char*>(const_cast<void*>(element)) + m_offsets[index]);
+        std::ptrdiff_t offset; ///< distance from the object's CElementNode, in bytes
+        CNodeName name;
+    };
+    struct Child
+    {
+        TChildGetter get;
+        const char* name;
+    };
+
+    /// @param type the class. @param attributes,children in file order.
+    CElementLayout(const std::type_info& type, std::vector<Attribute> attributes, const std::vector<Child>& children);
+
+    std::size_t AttributeCount() const { return m_attributes.size(); }
+    CReadOnlyAttribute* AttributeAt(const CElementNode& element, std::size_t index) const
+    {
+        const char* const begin = reinterpret_cast<const char*>(&element);
+        return reinterpret_cast<CReadOnlyAttribute*>(const_cast<char*>(begin) + m_attributes[index].offset);
     }
+    const std::vector<TChildGetter>& Children() const { return m_children; }
+    /// The same in ascending order of names.
+    const std::vector<std::size_t>& SortedAttributes() const { return m_sortedAttributes; }
+    const std::vector<TChildGetter>& SortedChildren() const { return m_sortedChildren; }
+
+    /// Whether two children have one name; then only the first can be found by it.
+    bool HasTwins() const { return m_hasTwins; }
+
+    /// Whether the attributes of an object bear the names of the class. Assigning another attribute can rename one.
+    bool HasOwnNames(const CElementNode& element) const;
+    /// Whether the object is just of this class. A class derived from it may have other attributes and children.
+    bool IsClassOf(const CElementNode& element) const;
 
 private:
-    std::vector<std::ptrdiff_t> m_offsets;
+    const std::type_info* m_type;
+    std::vector<Attribute> m_attributes;
+    std::vector<std::size_t> m_sortedAttributes;
+    std::vector<TChildGetter> m_children;
+    std::vector<TChildGetter> m_sortedChildren;
+    bool m_hasTwins = false;
 };
 
 /**
@@ -56,7 +91,7 @@ public:
         eSameAge = 2 ///< or no difference seen
     };
 
-    ~CElementNode() override;
+    ~CElementNode() override = default;
 
     const std::string& GetNodeName() const override;
     /// The element's tag.
@@ -124,18 +159,22 @@ protected:
     /// Appends one attribute, a member of this object, to the attribute table.
     void AddAttributeNode(CReadOnlyAttribute& attribute);
     /// Appends all attributes of a class to the attribute table. @p layout must outlive the object.
-    void AddAttributeNodes(const CAttributeLayout& layout);
+    void AddAttributeNodes(const CElementLayout& layout);
 
 private:
     friend class CXmlStreamReader;
 
     std::size_t AttributeCount() const;
     CReadOnlyAttribute* AttributeAt(std::size_t index) const;
+    const CElementLayout* ExactLayout() const;
+    template<class Visitor>
+    bool AllChildren(Visitor visit) const;
     bool SaveContent(CXmlStreamWriter& writer);
+    bool SaveLaidOutContent(CXmlStreamWriter& writer, const CElementLayout& layout);
     bool LoadChildren(CXmlStreamReader& reader);
 
     // The attribute table: the attributes of the class, then those that were added one by one.
-    const CAttributeLayout* m_layout = nullptr;
+    const CElementLayout* m_layout = nullptr;
     std::unique_ptr<std::vector<CReadOnlyAttribute*>> m_added;
 };
 

@@ -26,6 +26,7 @@
 #include <memory>
 #include <string>
 #include <type_traits>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -38,13 +39,13 @@ template<class Derived>
 class CElement : public CElementNode
 {
 protected:
-    CElement() { AddAttributeNodes(Derived::AttributeLayout()); }
-    CElement(const CElement& other) : CElementNode(other) { AddAttributeNodes(Derived::AttributeLayout()); }
+    CElement() { AddAttributeNodes(Derived::Layout()); }
+    CElement(const CElement& other) : CElementNode(other) { AddAttributeNodes(Derived::Layout()); }
     CElement& operator=(const CElement& other)
     {
         if (this != &other) {
             CElementNode::operator=(other);
-            AddAttributeNodes(Derived::AttributeLayout());
+            AddAttributeNodes(Derived::Layout());
         }
         return *this;
     }
@@ -87,6 +88,7 @@ struct AttributeRow
 {
     static constexpr bool IsAttribute = true;
     Member Element::*member;
+    const CNodeName& (*name)();
 };
 
 template<class Element, class Member>
@@ -96,10 +98,23 @@ struct ChildRow
     Member Element::*member;
 };
 
-template<class Element, class Member>
-constexpr AttributeRow<Element, Member> Attribute(Member Element::*member)
+template<class Child>
+constexpr const char* TagOf(const Child* /*type*/)
 {
-    return {member};
+    return Child::Tag;
+}
+
+template<class Child>
+constexpr const char* TagOf(const COwnedElement<Child>* /*type*/)
+{
+    return Child::Tag;
+}
+
+
+template<class Element, class Member>
+constexpr AttributeRow<Element, Member> Attribute(Member Element::*member, const CNodeName& (*name)())
+{
+    return {member, name};
 }
 
 template<class Element, class Member>
@@ -120,8 +135,8 @@ public:                                                                         
     ~Class() override;                                                                                                 \
     void initAttributeNodes() override;                                                                                \
     void GetChildElements(std::list<::KvDeviceFootprint::CElementNode*>& children) const override;                     \
-    /** Where the attributes lie; in file order. */                                                                    \
-    static const ::KvDeviceFootprint::CAttributeLayout& AttributeLayout();                                             \
+    /** What the rows say. */                                                                                          \
+    static const ::KvDeviceFootprint::CElementLayout& Layout();                                                        \
                                                                                                                        \
 private:                                                                                                               \
     template<class Element>                                                                                            \
@@ -145,11 +160,12 @@ public:                                                                         
 /// Begins the table of a class that leaves the tag to the classes derived from it.
 #define DFP_UNNAMED_ELEMENT(Class) DFP_ELEMENT_MEMBERS(Class)
 
-#define DFP_ROW(Kind, member)                                                                                          \
+#define DFP_ROW(row)                                                                                                   \
     static constexpr auto TableRow(::KvDeviceFootprint::ElementTable::Line<__LINE__>)                                  \
     {                                                                                                                  \
-        return ::KvDeviceFootprint::ElementTable::Kind(&TableClass::member);                                           \
-    }
+        return ::KvDeviceFootprint::ElementTable::row;                                                                 \
+    }                                                                                                                  \
+    static_assert(true, "")
 
 /// A row of the table: an attribute of the given type, the member `m_name` with the name `name` in a file.
 #define DFP_ATTRIBUTE_OF(Type, name)                                                                                   \
@@ -159,22 +175,19 @@ public:                                                                         
         static const ::KvDeviceFootprint::CNodeName text(#name);                                                       \
         return text;                                                                                                   \
     }                                                                                                                  \
-    DFP_ROW(Attribute, m_##name)                                                                                       \
-    static_assert(true, "")
+    DFP_ROW(Attribute(&TableClass::m_##name, &TableClass::NameOf_##name))
 
 #define DFP_ATTRIBUTE(name) DFP_ATTRIBUTE_OF(::KvDeviceFootprint::CAttribute, name)
 
 /// A row of the table: a child element held by value, the member `m_name`.
 #define DFP_CHILD(Type, name)                                                                                          \
     Type m_##name;                                                                                                     \
-    DFP_ROW(Child, m_##name)                                                                                           \
-    static_assert(true, "")
+    DFP_ROW(Child(&TableClass::m_##name))
 
 /// A row of the table: a child element owned through a pointer, the member `m_pName`.
 #define DFP_OWNED_CHILD(Type, Name)                                                                                    \
     ::KvDeviceFootprint::COwnedElement<Type> m_p##Name;                                                                \
-    DFP_ROW(Child, m_p##Name)                                                                                          \
-    static_assert(true, "")
+    DFP_ROW(Child(&TableClass::m_p##Name))
 
 /// Ends the table.
 #define DFP_ELEMENT_END                                                                                                \
@@ -193,57 +206,62 @@ namespace ElementTable
 template<class Element>
 struct Rows
 {
-    /// Calls visit(row) for each row of the table, in order.
-    template<class Visitor>
-    static void ForEach(Visitor&& visit)
-    {
-        Walk(visit, std::make_integer_sequence<int, Element::TableEnd() - Element::TableBegin()>{});
-    }
-
     /// Copies the member of each row, in order.
     static void Assign(Element& target, const Element& source)
     {
-        ForEach([&](auto row) { target.*row.member = source.*row.member; });
+        Walk([&](auto line) {
+            constexpr auto row = Element::TableRow(line);
+            target.*row.member = source.*row.member;
+        });
     }
 
-    static CAttributeLayout MakeLayout()
+    static CElementLayout MakeLayout()
     {
         // Only addresses are computed; no object is needed for that, just room for one.
         alignas(Element) static char room[sizeof(Element)];
         const auto* element = reinterpret_cast<const Element*>(room);
-        std::vector<std::ptrdiff_t> offsets;
-        ForEach([&](auto row) {
-            if constexpr (decltype(row)::IsAttribute) {
-                offsets.push_back(reinterpret_cast<const char*>(&(element->*row.member)) - room);
+        const auto* base = reinterpret_cast<const char*>(static_cast<const CElementNode*>(element));
+        std::vector<CElementLayout::Attribute> attributes;
+        std::vector<CElementLayout::Child> children;
+        Walk([&](auto line) {
+            constexpr auto row = Element::TableRow(line);
+            if constexpr (row.IsAttribute) {
+                attributes.push_back({reinterpret_cast<const char*>(&(element->*row.member)) - base, row.name()});
+            } else {
+                children.push_back({&GetChild<decltype(line)::value>, TagOf(&(element->*row.member))});
             }
         });
-        return CAttributeLayout(std::move(offsets));
-    }
-
-    static void GetChildren(const Element& element, std::list<CElementNode*>& children)
-    {
-        children.clear();
-        ForEach([&](auto row) {
-            if constexpr (!decltype(row)::IsAttribute) {
-                // The walks need one operation for reading and for changing, so it is const and gives mutable children.
-                children.push_back(Address(const_cast<Element&>(element).*row.member));
-            }
-        });
+        return CElementLayout(typeid(Element), std::move(attributes), children);
     }
 
 private:
-    template<class Visitor, int... Offset>
-    static void Walk(Visitor& visit, std::integer_sequence<int, Offset...>)
+    /// Calls visit(line) for each line on which a row stands.
+    template<class Visitor>
+    static void Walk(Visitor&& visit)
     {
-        (VisitLine<Element::TableBegin() + Offset>(visit), ...);
+        WalkLines(visit, std::make_integer_sequence<int, Element::TableEnd() - Element::TableBegin()>{});
     }
 
-    template<int Number, class Visitor>
-    static void VisitLine([[maybe_unused]] Visitor& visit)
+    template<class Visitor, int... Offset>
+    static void WalkLines(Visitor& visit, std::integer_sequence<int, Offset...>)
     {
-        if constexpr (!std::is_void_v<decltype(Element::TableRow(Line<Number>{}))>) {
-            visit(Element::TableRow(Line<Number>{}));
+        (VisitLine(visit, Line<Element::TableBegin() + Offset>{}), ...);
+    }
+
+    template<class Visitor, int Number>
+    static void VisitLine([[maybe_unused]] Visitor& visit, Line<Number> line)
+    {
+        if constexpr (!std::is_void_v<decltype(Element::TableRow(line))>) {
+            visit(line);
         }
+    }
+
+    template<int Number>
+    static CElementNode* GetChild(const CElementNode& element)
+    {
+        constexpr auto row = Element::TableRow(Line<Number>{});
+        // The walks need one operation for reading and for changing, so it is const and gives mutable children.
+        return Address(const_cast<Element&>(static_cast<const Element&>(element)).*row.member);
     }
 
     static CElementNode* Address(CElementNode& child) { return &child; }
@@ -290,18 +308,21 @@ COwnedElement<T>::~COwnedElement() = default;
 
 /// Defines the operations that follow from the rows.
 #define DFP_DEFINE_ELEMENT_TABLE(Class)                                                                                \
-    const CAttributeLayout& Class::AttributeLayout()                                                                   \
+    const CElementLayout& Class::Layout()                                                                              \
     {                                                                                                                  \
-        static const CAttributeLayout layout = ElementTable::Rows<Class>::MakeLayout();                                \
+        static const CElementLayout layout = ElementTable::Rows<Class>::MakeLayout();                                  \
         return layout;                                                                                                 \
     }                                                                                                                  \
     void Class::initAttributeNodes()                                                                                   \
     {                                                                                                                  \
-        AddAttributeNodes(AttributeLayout());                                                                          \
+        AddAttributeNodes(Layout());                                                                                   \
     }                                                                                                                  \
     void Class::GetChildElements(std::list<CElementNode*>& children) const                                             \
     {                                                                                                                  \
-        ElementTable::Rows<Class>::GetChildren(*this, children);                                                       \
+        children.clear();                                                                                              \
+        for (const CElementLayout::TChildGetter get : Layout().Children()) {                                           \
+            children.push_back(get(*this));                                                                            \
+        }                                                                                                              \
     }
 
 #define DFP_DEFINE_ELEMENT_NAME(Class)                                                                                 \

@@ -27,7 +27,11 @@
 namespace KvDeviceFootprint
 {
 
+class CElementLayout;
+class CElementNode;
+class CReadBuffer;
 class CReadOnlyAttribute;
+class CTextSink;
 
 /// What CXmlStreamWriter writes to. The order of the virtual operations is part of the library's binary interface.
 class NYXCONFIG_EXPORT CAbstractStream
@@ -69,6 +73,8 @@ public:
     void WriteConnectedDeviceLine(const std::string& line, bool first) override;
 
 private:
+    friend class CXmlStreamWriter;
+
     std::ostream* m_output;
 };
 
@@ -151,10 +157,14 @@ public:
     bool EnterElement();
     void LeaveElement() { --m_depth; }
 
+    /// Loads all attributes of an element that is just of the layout's class, as GetAttribute() of each would. False, with
+    /// nothing changed, if the token does not give them in the order of the layout.
+    bool GetAttributes(CElementNode& element, const CElementLayout& layout);
+
 private:
     struct Span
     {
-        std::size_t begin;
+        const char* begin;
         std::size_t length;
     };
     struct LocatedAttribute
@@ -164,33 +174,27 @@ private:
     };
 
     bool ReadLine();
-    bool ValidateLine();
+    bool ValidateToken();
     bool MayHold(const std::string& name) const;
+    bool AreAttributesLocated();
     bool LocateAttributes();
     bool FindAttribute(const std::string& name, Span& value);
     bool FindByText(const std::string& name, Span& value) const;
     void DecodeValue(const Span& span, std::wstring& value) const;
 
     std::istream* m_input;
+    CReadBuffer* m_file; // what the input reads from, if it is a file that the library opened
     const std::string* m_name;
     std::uint32_t m_lineNumber = 0;
     bool m_isEndToken = false;
     bool m_hasNoChildren = false;
     // The token is a part of the line, kept in UTF-8, which was tested: values alone need wide characters.
     std::string m_line;
-    std::size_t m_tokenBegin = 0;
-    std::size_t m_tokenEnd = 0;
+    const char* m_begin = nullptr;
+    const char* m_end = nullptr;
     bool m_isAscii = true;
-    enum
-    {
-        eNotTried,
-        eLocated,
-        eOtherForm
-    } m_attributesState = eNotTried;
+    enum { eNotTried, eLocated, eOtherForm } m_attributesState = eNotTried;
     std::vector<LocatedAttribute> m_attributes;
-    std::uint64_t m_attributeKeys = 0;
-    bool m_keysCollide = false;
-    std::size_t m_nextAttribute = 0;
     std::size_t m_depth = 0;
 };
 
@@ -240,13 +244,22 @@ public:
     bool IsTooDeep() const;
 
 private:
+    friend class CDeviceFootprintData;
+
+    /// For a checksum stream of which the library knows that nobody else sees it: attributes go to @p sink instead.
+    CXmlStreamWriter(CAbstractStream& output, const std::string& name, CTextSink& sink);
+
     void CloseStartTag();
+    void WriteTag(const char* opening, std::size_t openingLength, const std::string& name);
+    void PutAttribute(const std::string& name, const std::wstring& value);
 
     static constexpr std::size_t IndentationStep = 2;
 
     CAbstractStream* m_output;
+    CTextSink* m_sink; // null, or what is written to instead of the output
     const std::string* m_name;
-    std::vector<std::string> m_openElements;
+    std::vector<std::string> m_openElements; // the names; those behind the open ones are kept for their capacity
+    std::size_t m_openCount = 0;
     bool m_isStartTagOpen = true;
     bool m_isEmptyClosePending = false;
     bool m_isForChecksum;

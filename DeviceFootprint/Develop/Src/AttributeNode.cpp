@@ -51,11 +51,7 @@ std::wstring WidenText(const std::string& text)
     return wide;
 }
 
-CNode::~CNode() = default;
-
 CNodeName::CNodeName(const char* text) : m_text(SharedName(text)) {}
-
-CReadOnlyAttribute::~CReadOnlyAttribute() = default;
 
 const std::string& CReadOnlyAttribute::GetNodeName() const
 {
@@ -179,10 +175,6 @@ bool CReadOnlyAttribute::IsEqual(const CReadOnlyAttribute& other, bool emptiesAr
     }
     return m_value == other.m_value && !m_value.empty();
 }
-
-CAttribute::~CAttribute() = default;
-
-CTimeAttribute::~CTimeAttribute() = default;
 
 void CTimeAttribute::SetCreationDateToCurrent()
 {

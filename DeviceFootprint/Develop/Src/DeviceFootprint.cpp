@@ -5,7 +5,10 @@
 #include "DeviceFootprintLink.h"
 #include "FileStreams.h"
 #include "FileSystemUtils.h"
+#include "TextSink.h"
 #include "XmlStreams.h"
+
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <exception>
@@ -208,6 +211,23 @@ int CDeviceFootprintData::GetRelationship(const CElementNode& other) const
     return m_creationDate < footprint->m_creationDate ? eThisIsOlder : eThisIsNewer;
 }
 
+namespace
+{
+
+/// Gathers attribute texts for a digest, which takes large pieces faster than small ones.
+class CDigestSink : public CTextSink
+{
+public:
+    explicit CDigestSink(CMD5Checksum& algorithm) : CTextSink(4096), m_algorithm(&algorithm) {}
+
+private:
+    void Take(const char* text, std::size_t count) override { m_algorithm->add(text, count); }
+
+    CMD5Checksum* m_algorithm;
+};
+
+} // namespace
+
 bool CDeviceFootprintData::ComputeChecksum(std::string& checksum)
 {
     static const std::string streamName("checksumComputation");
@@ -216,11 +236,13 @@ bool CDeviceFootprintData::ComputeChecksum(std::string& checksum)
     CMD5Checksum algorithm;
     algorithm.init();
     CChecksumStream stream(algorithm);
-    CXmlStreamWriter writer(stream, streamName);
+    CDigestSink sink(algorithm);
+    CXmlStreamWriter writer(stream, streamName, sink);
     // Not virtual: a connected device must not meet its own override here.
     if (!writer.WriteFirstLine() || !CElementNode::SaveToStream(writer)) {
         return false;
     }
+    sink.Drain();
     algorithm.finalize(digest);
     digest.toHex(checksum);
     return !checksum.empty();
@@ -248,7 +270,7 @@ bool CDeviceFootprintData::WriteTo(CXmlStreamWriter& writer)
 
 // Connected devices.
 
-const std::string CConnectedDevice::s_ElementName("ConnectedDevice");
+const std::string CConnectedDevice::s_ElementName(Tag);
 
 CConnectedDevice::CConnectedDevice() = default;
 CConnectedDevice::CConnectedDevice(const CConnectedDevice& other) = default;
@@ -272,7 +294,7 @@ bool CConnectedDevice::SaveToStream(CXmlStreamWriter& writer)
     return writer.AddListEntry(line, true, true);
 }
 
-const std::string CConnectedDeviceList::s_ElementName("ConnectedDeviceList");
+const std::string CConnectedDeviceList::s_ElementName(Tag);
 
 CConnectedDeviceList::CConnectedDeviceList() = default;
 CConnectedDeviceList::~CConnectedDeviceList() = default;
@@ -359,6 +381,7 @@ void CutIntoLines(const std::string& text, std::size_t start, std::vector<std::s
 
 bool CConnectedDeviceList::PrepareConnectedDeviceString(const std::string& text)
 {
+    const std::size_t count = m_connectedDeviceStrings.size();
     m_connectedDeviceStrings.emplace_back();
     std::vector<std::string>& lines = m_connectedDeviceStrings.back();
     const std::size_t mark = text.find_first_of("?>"); // either of the two, not the pair
@@ -391,14 +414,20 @@ bool CConnectedDeviceList::PrepareConnectedDeviceString(const std::string& text)
     if (firstLine.compare(begin, length, "02.06") >= 0) {
         return RemoveLastAndError("Connected device should contain a checksum which was not found.");
     }
-    CDeviceFootprint footprint;
-    std::istringstream input(text);
-    if (!footprint.Load(input)) {
-        return RemoveLastAndError("Could not load connected string for checksum calculation.");
-    }
     std::string checksum;
-    if (!footprint.ComputeChecksum(checksum) || checksum.empty()) {
-        return RemoveLastAndError("Could not calculate a checksum for connected device.");
+    try {
+        CDeviceFootprint footprint;
+        std::istringstream input(text);
+        if (!footprint.Load(input)) {
+            return RemoveLastAndError("Could not load connected string for checksum calculation.");
+        }
+        if (!footprint.ComputeChecksum(checksum)) {
+            return RemoveLastAndError("Could not calculate a checksum for connected device.");
+        }
+    } catch (...) {
+        // A blank line in the text, for one. The list is as it was also then.
+        m_connectedDeviceStrings.resize(count);
+        throw;
     }
     firstLine.pop_back(); // the ">" of the tag
     firstLine += " checksum=\"" + checksum + "\">";
@@ -602,9 +631,9 @@ bool CDeviceFootprint::GetDeviceFootprintString(bool updateCreationDate, std::st
     if (updateCreationDate) {
         m_creationDate.SetCreationDateToCurrent();
     }
-    std::ostringstream output;
-    const bool saved = SaveInternal(output, std::string(), false);
-    text = saved ? output.str() : std::string();
+    COutputText output;
+    const bool saved = SaveInternal(output.Stream(), std::string(), false);
+    text = saved ? output.Text() : std::string();
     return saved;
 }
 
@@ -701,8 +730,20 @@ bool createDirIfNotExisting(const std::string& path)
     return FileSystemUtils::CheckDirExists(path) || FileSystemUtils::CreateDir(path);
 }
 
+bool IsSameFile(const std::string& lhs, const std::string& rhs)
+{
+    struct stat left = {};
+    struct stat right = {};
+    return stat(lhs.c_str(), &left) == 0 && stat(rhs.c_str(), &right) == 0 && left.st_dev == right.st_dev &&
+           left.st_ino == right.st_ino;
+}
+
 bool CopyFileInternal(const std::string& source, const std::string& target)
 {
+    // Opening the target empties it: a save folder that is the history folder would lose the entry.
+    if (IsSameFile(source, target)) {
+        return true;
+    }
     CInputFile input(source);
     COutputFile output(target);
     if (!input.IsOpen() || !output.IsOpen()) {

@@ -5,9 +5,69 @@
 
 #include <algorithm>
 #include <iostream>
+#include <numeric>
 
 namespace KvDeviceFootprint
 {
+
+namespace
+{
+
+CElementNode* FindLaidOutChild(const CElementNode& element, const CElementLayout& layout,
+                               const CXmlStreamReader& reader)
+{
+    for (const CElementLayout::TChildGetter get : layout.Children()) {
+        CElementNode* child = get(element);
+        if (reader.IsElement(child->GetElementName())) {
+            return child;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+CElementLayout::CElementLayout(const std::type_info& type, std::vector<Attribute> attributes,
+                               const std::vector<Child>& children)
+    : m_type(&type), m_attributes(std::move(attributes)), m_sortedAttributes(m_attributes.size())
+{
+    std::iota(m_sortedAttributes.begin(), m_sortedAttributes.end(), std::size_t{0});
+    std::sort(m_sortedAttributes.begin(), m_sortedAttributes.end(), [this](std::size_t lhs, std::size_t rhs) {
+        return m_attributes[lhs].name.Text() < m_attributes[rhs].name.Text();
+    });
+    const auto getters = [](const std::vector<Child>& from) {
+        std::vector<TChildGetter> to;
+        for (const Child& child : from) {
+            to.push_back(child.get);
+        }
+        return to;
+    };
+    m_children = getters(children);
+    std::vector<Child> sorted = children;
+    // Stable: children of one name keep their order.
+    std::stable_sort(sorted.begin(), sorted.end(),
+                     [](const Child& lhs, const Child& rhs) { return std::string(lhs.name) < rhs.name; });
+    m_sortedChildren = getters(sorted);
+    m_hasTwins = std::adjacent_find(sorted.begin(), sorted.end(), [](const Child& lhs, const Child& rhs) {
+                     return std::string(lhs.name) == rhs.name;
+                 }) != sorted.end();
+}
+
+bool CElementLayout::HasOwnNames(const CElementNode& element) const
+{
+    for (std::size_t i = 0; i < m_attributes.size(); ++i) {
+        if (AttributeAt(element, i)->m_name != m_attributes[i].name) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool CElementLayout::IsClassOf(const CElementNode& element) const
+{
+    // By address: should a class have two of them, its objects only take the longer way.
+    return &typeid(element) == m_type;
+}
 
 CElementNode::CElementNode(const CElementNode& other) : CNode(other) {}
 
@@ -19,8 +79,6 @@ CElementNode& CElementNode::operator=(const CElementNode& other)
     return *this;
 }
 
-CElementNode::~CElementNode() = default;
-
 void CElementNode::AddAttributeNode(CReadOnlyAttribute& attribute)
 {
     if (!m_added) {
@@ -29,26 +87,46 @@ void CElementNode::AddAttributeNode(CReadOnlyAttribute& attribute)
     m_added->push_back(&attribute);
 }
 
-void CElementNode::AddAttributeNodes(const CAttributeLayout& layout)
+void CElementNode::AddAttributeNodes(const CElementLayout& layout)
 {
-    if (AttributeCount() == 0) {
+    if (m_layout == nullptr && !m_added) {
         m_layout = &layout;
         return;
     }
-    for (std::size_t i = 0; i < layout.Count(); ++i) {
-        AddAttributeNode(*layout.At(this, i));
+    for (std::size_t i = 0; i < layout.AttributeCount(); ++i) {
+        AddAttributeNode(*layout.AttributeAt(*this, i));
     }
 }
 
 std::size_t CElementNode::AttributeCount() const
 {
-    return (m_layout == nullptr ? 0 : m_layout->Count()) + (m_added ? m_added->size() : 0);
+    return (m_layout == nullptr ? 0 : m_layout->AttributeCount()) + (m_added ? m_added->size() : 0);
 }
 
 CReadOnlyAttribute* CElementNode::AttributeAt(std::size_t index) const
 {
-    const std::size_t laidOut = m_layout == nullptr ? 0 : m_layout->Count();
-    return index < laidOut ? m_layout->At(this, index) : (*m_added)[index - laidOut];
+    const std::size_t laidOut = m_layout == nullptr ? 0 : m_layout->AttributeCount();
+    return index < laidOut ? m_layout->AttributeAt(*this, index) : (*m_added)[index - laidOut];
+}
+
+/// The layout, if it says all about this object: the walks then need no lists of pointers. Otherwise null.
+const CElementLayout* CElementNode::ExactLayout() const
+{
+    return m_layout != nullptr && !m_added && m_layout->IsClassOf(*this) ? m_layout : nullptr;
+}
+
+/// Calls visit(child) for each child in file order until it gives false. Whether it never did.
+template<class Visitor>
+bool CElementNode::AllChildren(Visitor visit) const
+{
+    if (const CElementLayout* layout = ExactLayout()) {
+        const auto& getters = layout->Children();
+        return std::all_of(getters.begin(), getters.end(),
+                           [&](CElementLayout::TChildGetter get) { return visit(*get(*this)); });
+    }
+    std::list<CElementNode*> children;
+    GetChildElements(children);
+    return std::all_of(children.begin(), children.end(), [&](CElementNode* child) { return visit(*child); });
 }
 
 const std::string& CElementNode::GetNodeName() const
@@ -73,16 +151,18 @@ bool CElementNode::Compare(const CElementNode& other, const CComparatorRules& ru
     if (comparator != nullptr && !(*comparator)(*this, other, rules)) {
         return false;
     }
-    std::list<CElementNode*> children;
-    GetChildElements(children);
-    for (const CElementNode* child : children) {
-        // A child without a counterpart is no difference.
-        const CElementNode* counterpart = other.GetChildElementByName(child->GetElementName());
-        if (counterpart != nullptr && !child->Compare(*counterpart, rules)) {
-            return false;
-        }
+    const CElementLayout* layout = ExactLayout();
+    if (layout != nullptr && layout == other.ExactLayout() && !layout->HasTwins()) {
+        const auto& getters = layout->Children();
+        return std::all_of(getters.begin(), getters.end(), [&](CElementLayout::TChildGetter get) {
+            return get(*this)->Compare(*get(other), rules);
+        });
     }
-    return true;
+    return AllChildren([&](const CElementNode& child) {
+        // A child without a counterpart is no difference.
+        const CElementNode* counterpart = other.GetChildElementByName(child.GetElementName());
+        return counterpart == nullptr || child.Compare(*counterpart, rules);
+    });
 }
 
 bool CElementNode::IsEmpty() const
@@ -92,9 +172,7 @@ bool CElementNode::IsEmpty() const
             return false;
         }
     }
-    std::list<CElementNode*> children;
-    GetChildElements(children);
-    return std::all_of(children.begin(), children.end(), [](const CElementNode* child) { return child->IsEmpty(); });
+    return AllChildren([](const CElementNode& child) { return child.IsEmpty(); });
 }
 
 bool CElementNode::IsOptional() const
@@ -112,11 +190,10 @@ void CElementNode::Clear()
     for (std::size_t i = 0; i < AttributeCount(); ++i) {
         AttributeAt(i)->Clear();
     }
-    std::list<CElementNode*> children;
-    GetChildElements(children);
-    for (CElementNode* child : children) {
-        child->Clear();
-    }
+    AllChildren([](CElementNode& child) {
+        child.Clear();
+        return true;
+    });
 }
 
 bool CElementNode::SaveToStream(CXmlStreamWriter& writer)
@@ -127,8 +204,26 @@ bool CElementNode::SaveToStream(CXmlStreamWriter& writer)
     return !writer.IsTooDeep() && writer.BeginElement(GetElementName()) && SaveContent(writer) && writer.EndElement();
 }
 
+bool CElementNode::SaveLaidOutContent(CXmlStreamWriter& writer, const CElementLayout& layout)
+{
+    const bool isSorted = writer.IsForChecksum();
+    for (std::size_t i = 0; i < layout.AttributeCount(); ++i) {
+        const std::size_t index = isSorted ? layout.SortedAttributes()[i] : i;
+        if (!writer.SetAttribute(*layout.AttributeAt(*this, index))) {
+            return false;
+        }
+    }
+    const auto& getters = isSorted ? layout.SortedChildren() : layout.Children();
+    return std::all_of(getters.begin(), getters.end(),
+                       [&](CElementLayout::TChildGetter get) { return get(*this)->SaveToStream(writer); });
+}
+
 bool CElementNode::SaveContent(CXmlStreamWriter& writer)
 {
+    const CElementLayout* layout = ExactLayout();
+    if (layout != nullptr && (!writer.IsForChecksum() || layout->HasOwnNames(*this))) {
+        return SaveLaidOutContent(writer, *layout);
+    }
     // The table itself is never reordered: a checksum sorts a copy.
     std::vector<CReadOnlyAttribute*> attributes;
     attributes.reserve(AttributeCount());
@@ -152,8 +247,11 @@ bool CElementNode::SaveContent(CXmlStreamWriter& writer)
 
 bool CElementNode::LoadFromStream(CXmlStreamReader& reader)
 {
-    for (std::size_t i = 0; i < AttributeCount(); ++i) {
-        reader.GetAttribute(*AttributeAt(i));
+    const CElementLayout* layout = ExactLayout();
+    if (layout == nullptr || !layout->HasOwnNames(*this) || !reader.GetAttributes(*this, *layout)) {
+        for (std::size_t i = 0; i < AttributeCount(); ++i) {
+            reader.GetAttribute(*AttributeAt(i));
+        }
     }
     if (reader.ElementHasNoChilds()) {
         return reader.NextToken();
@@ -168,10 +266,14 @@ bool CElementNode::LoadFromStream(CXmlStreamReader& reader)
 
 bool CElementNode::LoadChildren(CXmlStreamReader& reader)
 {
-    std::list<CElementNode*> children;
-    GetChildElements(children);
+    std::list<CElementNode*> children; // taken once
+    const CElementLayout* layout = ExactLayout();
+    if (layout == nullptr) {
+        GetChildElements(children);
+    }
     while (!reader.IsEndToken()) {
-        CElementNode* child = FindChildElement(children, reader);
+        CElementNode* child =
+            layout == nullptr ? FindChildElement(children, reader) : FindLaidOutChild(*this, *layout, reader);
         if (child != nullptr) {
             if (!child->LoadFromStream(reader)) {
                 return false;
@@ -203,15 +305,10 @@ bool CElementNode::CopyFrom(const CElementNode& other)
             attribute->Set(value);
         }
     }
-    std::list<CElementNode*> children;
-    GetChildElements(children);
-    for (CElementNode* child : children) {
-        const CElementNode* counterpart = other.GetChildElementByName(child->GetElementName());
-        if (counterpart != nullptr && !child->CopyFrom(*counterpart)) {
-            return false;
-        }
-    }
-    return true;
+    return AllChildren([&other](CElementNode& child) {
+        const CElementNode* counterpart = other.GetChildElementByName(child.GetElementName());
+        return counterpart == nullptr || child.CopyFrom(*counterpart);
+    });
 }
 
 int CElementNode::GetRelationship(const CElementNode& other) const
@@ -251,15 +348,10 @@ bool CElementNode::InsertFrom(const CElementNode& other, bool recursive)
     if (!recursive) {
         return true;
     }
-    std::list<CElementNode*> children;
-    other.GetChildElements(children);
-    for (const CElementNode* source : children) {
-        CElementNode* target = GetChildElementByName(source->GetElementName());
-        if (target != nullptr && !target->InsertFrom(*source, true)) {
-            return false;
-        }
-    }
-    return true;
+    return other.AllChildren([this](const CElementNode& source) {
+        CElementNode* target = GetChildElementByName(source.GetElementName());
+        return target == nullptr || target->InsertFrom(source, true);
+    });
 }
 
 CElementNode* CElementNode::FindChildElement(const std::list<CElementNode*>& children, const CXmlStreamReader& reader)

@@ -3,13 +3,17 @@
 #include "AttributeNode.h"
 #include "Checksum.h"
 #include "DeviceFootprint.h"
+#include "FileStreams.h"
+#include "TextSink.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstring>
 #include <istream>
 #include <limits>
 #include <ostream>
 #include <stdexcept>
+#include <typeinfo>
 
 namespace KvDeviceFootprint
 {
@@ -24,46 +28,83 @@ bool IsNoUnicodeCharacter(std::uint32_t value)
     return (value >= 0xD800 && value <= 0xDFFF) || value > 0x10FFFF || value == 0xFFFE || value == 0xFFFF;
 }
 
-/// As iswprint in the "C" locale.
-bool IsPrintableAscii(wchar_t character)
-{
-    return character >= 0x20 && character <= 0x7E;
-}
+/// A character of a value takes at most so many in a file: "&#4294967295;".
+constexpr std::size_t MaxEscapedLength = 13;
 
-bool IsAscii(const std::string& text)
+/// Whether a value's character stays as it is in a file: printable as by iswprint in the "C" locale, ASCII, no entity.
+bool IsPlain(wchar_t character)
 {
-    return std::none_of(text.begin(), text.end(), [](char byte) { return static_cast<signed char>(byte) < 0; });
-}
-
-/// What a value's character becomes in a file: an entity, a decimal reference or itself.
-void AppendEscaped(std::string& text, wchar_t character)
-{
+    if (character < 0x20 || character > 0x7E) {
+        return false;
+    }
     switch (character) {
     case L'&':
-        text += "&amp;";
-        return;
     case L'<':
-        text += "&lt;";
-        return;
     case L'>':
-        text += "&gt;";
-        return;
     case L'"':
-        text += "&quot;";
-        return;
     case L'\'':
-        text += "&apos;";
-        return;
+        return false;
+    default:
+        return true;
+    }
+}
+
+/// IsPlain() for all that is ASCII.
+struct PlainTable
+{
+    PlainTable()
+    {
+        for (std::size_t i = 0; i < isPlain.size(); ++i) {
+            isPlain[i] = IsPlain(static_cast<wchar_t>(i));
+        }
+    }
+    std::array<bool, 128> isPlain = {};
+};
+
+/// Writes what a value's character becomes in a file: itself, an entity or a decimal reference.
+char* PutEscaped(char* to, wchar_t character)
+{
+    const auto put = [&to](const char* text) {
+        const std::size_t length = std::strlen(text);
+        std::memcpy(to, text, length);
+        return to + length;
+    };
+    switch (character) {
+    case L'&':
+        return put("&amp;");
+    case L'<':
+        return put("&lt;");
+    case L'>':
+        return put("&gt;");
+    case L'"':
+        return put("&quot;");
+    case L'\'':
+        return put("&apos;");
     default:
         break;
     }
-    if (IsPrintableAscii(character)) {
-        text += static_cast<char>(character);
-    } else {
-        text += "&#";
-        text += std::to_string(static_cast<std::uint32_t>(character));
-        text += ';';
+    if (IsPlain(character)) {
+        *to = static_cast<char>(character);
+        return to + 1;
     }
+    to = put("&#");
+    to = std::to_chars(to, to + 10, static_cast<std::uint32_t>(character)).ptr;
+    *to = ';';
+    return to + 1;
+}
+
+/// The same for a whole text; @p to has room for MaxEscapedLength times its length.
+char* PutEscaped(char* to, const wchar_t* text, std::size_t length)
+{
+    static const PlainTable table;
+    for (const wchar_t* const end = text + length; text != end; ++text) {
+        if (static_cast<std::uint32_t>(*text) < table.isPlain.size() && table.isPlain[static_cast<std::size_t>(*text)]) {
+            *to++ = static_cast<char>(*text);
+        } else {
+            to = PutEscaped(to, *text);
+        }
+    }
+    return to;
 }
 
 int DigitValue(wchar_t character)
@@ -140,30 +181,60 @@ void FromXML(std::wstring& text)
     text.erase(write, read - write);
 }
 
-/// Whether a name as the writer gives it may hold this byte.
-bool IsNameByte(char byte)
+/// The bytes that a name as the writer gives it may hold.
+struct NameTable
 {
-    switch (byte) {
-    case ' ':
-    case '\t':
-    case '=':
-    case '"':
-    case '<':
-    case '>':
-    case '/':
-        return false;
-    default:
-        return true;
+    NameTable()
+    {
+        isNameByte.fill(true);
+        for (const char byte : {' ', '\t', '=', '"', '<', '>', '/'}) {
+            isNameByte[static_cast<unsigned char>(byte)] = false;
+        }
     }
+    std::array<bool, 256> isNameByte = {};
+};
+
+const char* SkipName(const char* cursor, const char* end)
+{
+    static const NameTable table;
+    while (cursor != end && table.isNameByte[static_cast<unsigned char>(*cursor)]) {
+        ++cursor;
+    }
+    return cursor;
 }
 
-/// A cheap key of a name: names with different keys differ.
-std::uint64_t NameKey(const char* name, std::size_t length)
+const char* FindQuote(const char* cursor, const char* end)
 {
-    const unsigned mixed = static_cast<unsigned>(length) * 7U + static_cast<unsigned char>(name[0]) * 5U +
-                           static_cast<unsigned char>(name[length - 1]) +
-                           static_cast<unsigned char>(name[length / 2]) * 3U;
-    return std::uint64_t{1} << (mixed & 63U);
+    // Values are short: a loop beats a call.
+    while (cursor != end && *cursor != '"') {
+        ++cursor;
+    }
+    return cursor;
+}
+
+bool IsAscii(const char* begin, const char* end)
+{
+    constexpr std::uint64_t highBits = 0x8080808080808080U;
+    std::uint64_t seen = 0;
+    for (; end - begin >= 8; begin += 8) {
+        std::uint64_t bytes = 0;
+        std::memcpy(&bytes, begin, sizeof bytes);
+        seen |= bytes;
+    }
+    for (; begin != end; ++begin) {
+        seen |= static_cast<std::uint64_t>(static_cast<unsigned char>(*begin));
+    }
+    return (seen & highBits) == 0;
+}
+
+bool IsEqual(const char* begin, std::size_t length, const std::string& text)
+{
+    return length == text.size() && std::memcmp(begin, text.data(), length) == 0;
+}
+
+bool StartsWith(const char* begin, const char* end, const std::string& text)
+{
+    return static_cast<std::size_t>(end - begin) >= text.size() && std::memcmp(begin, text.data(), text.size()) == 0;
 }
 
 } // namespace
@@ -227,7 +298,10 @@ void COutStream::WriteConnectedDeviceLine(const std::string& line, bool /*first*
     WriteNonEmptyString(line);
 }
 
-CXmlStreamReader::CXmlStreamReader(std::istream& input, const std::string& name) : m_input(&input), m_name(&name) {}
+CXmlStreamReader::CXmlStreamReader(std::istream& input, const std::string& name)
+    : m_input(&input), m_file(dynamic_cast<CReadBuffer*>(input.rdbuf())), m_name(&name)
+{
+}
 
 CXmlStreamReader::~CXmlStreamReader() = default;
 
@@ -235,82 +309,91 @@ bool CXmlStreamReader::NextToken()
 {
     m_isEndToken = false;
     m_hasNoChildren = false;
-    m_tokenBegin = 0;
-    m_tokenEnd = 0;
     m_attributesState = eNotTried;
     ++m_lineNumber;
-    if (!ReadLine() || !ValidateLine()) {
+    if (!ReadLine() || !ValidateToken()) {
         return false;
     }
-    if (m_line.empty()) {
+    if (m_begin == m_end) {
         return true;
     }
-    const std::size_t begin = m_line.find_first_not_of(" \t");
-    if (begin == std::string::npos) {
+    const char* const lineEnd = m_end;
+    while (m_begin != m_end && (*m_begin == ' ' || *m_begin == '\t')) {
+        ++m_begin;
+    }
+    if (m_begin == m_end) {
         // A line of blanks has no first character to start the token from. The exception is a part of the interface.
         throw std::out_of_range("CXmlStreamReader::NextToken: blank line");
     }
-    m_tokenBegin = begin;
-    m_tokenEnd = m_line.size();
-    if (m_line.back() == '\r') {
-        --m_tokenEnd;
+    if (lineEnd[-1] == '\r') {
+        --m_end;
     }
     // Lengths count bytes here. A token of two characters that could set a flag is all ASCII, so this is the same.
-    if (m_tokenEnd - m_tokenBegin > 2) {
-        if (m_line.compare(m_tokenBegin, 2, "</") == 0) {
+    if (m_end - m_begin > 2) {
+        if (m_begin[0] == '<' && m_begin[1] == '/') {
             m_isEndToken = true;
-        } else if (m_line.compare(m_tokenEnd - 2, 2, "/>") == 0) {
+        } else if (m_end[-2] == '/' && m_end[-1] == '>') {
             m_hasNoChildren = true;
         }
     }
     return true;
 }
 
+/// Makes the next line the token.
 bool CXmlStreamReader::ReadLine()
 {
-    m_line.clear();
-    std::getline(*m_input, m_line);
-    if (!m_input->fail()) {
-        return true;
+    bool failed = false;
+    bool read = false;
+    m_begin = nullptr;
+    m_end = nullptr;
+    if (m_file != nullptr) {
+        const CReadBuffer::TLineResult result = m_file->ReadLine(m_line, m_begin, m_end);
+        read = result == CReadBuffer::eLine;
+        failed = result == CReadBuffer::eFailure;
+    } else {
+        m_line.clear();
+        std::getline(*m_input, m_line);
+        read = !m_input->fail();
+        failed = !read && !m_input->eof();
+        m_begin = m_line.data();
+        m_end = m_begin + m_line.size();
     }
-    m_line.clear();
-    if (m_input->eof()) {
-        return false;
+    if (!read) {
+        m_begin = m_end;
     }
-    return CDeviceFootprint::SetLastError("Error reading xml");
+    return failed ? CDeviceFootprint::SetLastError("Error reading xml") : read;
 }
 
-bool CXmlStreamReader::ValidateLine()
+/// Tests that the token is UTF-8. If it is not, it becomes empty.
+bool CXmlStreamReader::ValidateToken()
 {
-    m_isAscii = IsAscii(m_line);
+    m_isAscii = IsAscii(m_begin, m_end);
     if (m_isAscii) {
         return true;
     }
-    const char* cursor = m_line.data();
-    const char* const end = cursor + m_line.size();
+    const char* cursor = m_begin;
+    const char* const end = m_end;
+    m_end = m_begin; // also if reporting throws
     wchar_t character = 0;
     while (cursor != end) {
         if (!GetCharFromUTF8(cursor, end, character)) {
             return false;
         }
     }
+    m_end = end;
     return true;
 }
 
 bool CXmlStreamReader::MayHold(const std::string& name) const
 {
-    // Widening a name gives negative characters for its bytes above 127, and no decoded character is negative. The
-    // bytes of the line, though, could be equal to them.
-    return m_isAscii || IsAscii(name);
+    // Widening a name gives negative characters for its bytes above 127, and no decoded character is negative. The bytes
+    // of the line, though, could be equal to them.
+    return m_isAscii || IsAscii(name.data(), name.data() + name.size());
 }
 
 bool CXmlStreamReader::IsEndToken(const std::string& name) const
 {
-    if (!m_isEndToken || !MayHold(name)) {
-        return false;
-    }
-    const std::size_t length = std::min(name.size(), m_tokenEnd - m_tokenBegin - 2);
-    return m_line.compare(m_tokenBegin + 2, length, name) == 0;
+    return m_isEndToken && MayHold(name) && StartsWith(m_begin + 2, m_end, name);
 }
 
 bool CXmlStreamReader::IsElement(const std::string& name) const
@@ -318,27 +401,23 @@ bool CXmlStreamReader::IsElement(const std::string& name) const
     if (m_isEndToken) {
         return false;
     }
-    if (m_tokenBegin == m_tokenEnd) {
+    if (m_begin == m_end) {
         throw std::out_of_range("CXmlStreamReader::IsElement: empty token");
     }
-    if (!MayHold(name)) {
-        return false;
-    }
-    const std::size_t length = std::min(name.size(), m_tokenEnd - m_tokenBegin - 1);
-    return m_line.compare(m_tokenBegin + 1, length, name) == 0;
+    return MayHold(name) && StartsWith(m_begin + 1, m_end, name);
 }
 
 std::string CXmlStreamReader::GetCurrentElement() const
 {
     std::wstring token;
-    GetStringFromUTF8(m_line.substr(m_tokenBegin, m_tokenEnd - m_tokenBegin), token);
+    GetStringFromUTF8(std::string(m_begin, m_end), token);
     return NarrowText(token);
 }
 
 bool CXmlStreamReader::GetAttribute(const std::string& name, std::wstring& value)
 {
     value.clear();
-    Span span = {0, 0};
+    Span span = {nullptr, 0};
     if (MayHold(name) && FindAttribute(name, span)) {
         DecodeValue(span, value);
     }
@@ -350,87 +429,93 @@ bool CXmlStreamReader::GetAttribute(CReadOnlyAttribute& attribute)
     return GetAttribute(attribute.GetNodeName(), attribute.m_value);
 }
 
-bool CXmlStreamReader::FindAttribute(const std::string& name, Span& value)
+bool CXmlStreamReader::GetAttributes(CElementNode& element, const CElementLayout& layout)
+{
+    if (!AreAttributesLocated()) {
+        return false;
+    }
+    // One walk over both. An attribute that stands out of order, twice or is unknown is found by none of the layout's.
+    std::size_t next = 0;
+    for (const LocatedAttribute& located : m_attributes) {
+        CReadOnlyAttribute* attribute = nullptr;
+        for (; attribute == nullptr && next < layout.AttributeCount(); ++next) {
+            attribute = layout.AttributeAt(element, next);
+            if (!IsEqual(located.name.begin, located.name.length, attribute->m_name.Text())) {
+                attribute->m_value.clear();
+                attribute = nullptr;
+            }
+        }
+        if (attribute == nullptr) {
+            return false;
+        }
+        DecodeValue(located.value, attribute->m_value);
+    }
+    for (; next < layout.AttributeCount(); ++next) {
+        layout.AttributeAt(element, next)->m_value.clear();
+    }
+    return true;
+}
+
+bool CXmlStreamReader::AreAttributesLocated()
 {
     if (m_attributesState == eNotTried) {
         m_attributesState = LocateAttributes() ? eLocated : eOtherForm;
     }
-    if (m_attributesState == eOtherForm) {
+    return m_attributesState == eLocated;
+}
+
+bool CXmlStreamReader::FindAttribute(const std::string& name, Span& value)
+{
+    if (!AreAttributesLocated()) {
         return FindByText(name, value);
     }
-    if (name.empty() || (m_attributeKeys & NameKey(name.data(), name.size())) == 0) {
+    const auto found = std::find_if(m_attributes.begin(), m_attributes.end(), [&name](const LocatedAttribute& located) {
+        return IsEqual(located.name.begin, located.name.length, name);
+    });
+    if (found == m_attributes.end()) {
         return false;
     }
-    const auto matches = [&](const LocatedAttribute& attribute) {
-        return attribute.name.length == name.size() &&
-               std::memcmp(m_line.data() + attribute.name.begin, name.data(), name.size()) == 0;
-    };
-    // Elements ask in the order in which they write, so mostly the next one is it. Where two names may be equal, the
-    // first one counts, and the search starts over.
-    if (m_keysCollide || m_nextAttribute >= m_attributes.size() || !matches(m_attributes[m_nextAttribute])) {
-        const auto found = std::find_if(m_attributes.begin(), m_attributes.end(), matches);
-        if (found == m_attributes.end()) {
-            return false;
-        }
-        m_nextAttribute = static_cast<std::size_t>(found - m_attributes.begin());
-    }
-    value = m_attributes[m_nextAttribute].value;
-    ++m_nextAttribute;
+    value = found->value;
     return true;
 }
 
-/// Splits a start tag in the writer's own form into its attributes. A plain search could find a name inside a value
-/// that ends in ` name=`, and read wrong data back.
+/// Splits a start tag in the writer's own form into its attributes. A plain search could find a name inside a value that
+/// ends in ` name=`, and read wrong data back.
 bool CXmlStreamReader::LocateAttributes()
 {
     m_attributes.clear();
-    m_attributeKeys = 0;
-    m_keysCollide = false;
-    m_nextAttribute = 0;
-    const char* const line = m_line.data();
-    std::size_t end = m_tokenEnd;
+    const char* end = m_end;
     if (m_hasNoChildren) {
         end -= 2;
-    } else if (end > m_tokenBegin && line[end - 1] == '>') {
+    } else if (end != m_begin && end[-1] == '>') {
         --end;
     }
-    std::size_t position = m_tokenBegin;
-    const auto skipName = [&] {
-        const std::size_t begin = position;
-        while (position < end && IsNameByte(line[position])) {
-            ++position;
-        }
-        return position > begin;
-    };
-    if (position >= end || line[position] != '<') {
+    const char* cursor = m_begin;
+    if (cursor == end || *cursor != '<') {
         return false;
     }
-    ++position;
-    if (!skipName()) {
+    const char* begin = ++cursor;
+    cursor = SkipName(cursor, end);
+    if (cursor == begin) {
         return false;
     }
-    while (position < end) {
-        if (line[position] != ' ') {
+    while (cursor != end) {
+        if (*cursor != ' ') {
             return false;
         }
-        ++position;
-        LocatedAttribute attribute = {{position, 0}, {0, 0}};
-        if (!skipName() || end - position < 2 || line[position] != '=' || line[position + 1] != '"') {
+        begin = ++cursor;
+        cursor = SkipName(cursor, end);
+        if (cursor == begin || end - cursor < 2 || cursor[0] != '=' || cursor[1] != '"') {
             return false;
         }
-        attribute.name.length = position - attribute.name.begin;
-        position += 2;
-        const void* const quote = std::memchr(line + position, '"', end - position);
-        if (quote == nullptr) {
+        const char* const value = cursor + 2;
+        const char* const quote = FindQuote(value, end);
+        if (quote == end) {
             return false;
         }
-        attribute.value.begin = position;
-        attribute.value.length = static_cast<std::size_t>(static_cast<const char*>(quote) - (line + position));
-        position += attribute.value.length + 1;
-        const std::uint64_t key = NameKey(line + attribute.name.begin, attribute.name.length);
-        m_keysCollide = m_keysCollide || (m_attributeKeys & key) != 0;
-        m_attributeKeys |= key;
-        m_attributes.push_back(attribute);
+        m_attributes.push_back({{begin, static_cast<std::size_t>(cursor - begin)},
+                                {value, static_cast<std::size_t>(quote - value)}});
+        cursor = quote + 1;
     }
     return true;
 }
@@ -438,30 +523,25 @@ bool CXmlStreamReader::LocateAttributes()
 bool CXmlStreamReader::FindByText(const std::string& name, Span& value) const
 {
     const std::string wanted = " " + name + "=\"";
-    const auto token = m_line.begin() + static_cast<std::ptrdiff_t>(m_tokenBegin);
-    const auto tokenEnd = m_line.begin() + static_cast<std::ptrdiff_t>(m_tokenEnd);
-    const auto found = std::search(token, tokenEnd, wanted.begin(), wanted.end());
-    if (found == tokenEnd) {
+    const char* const found = std::search(m_begin, m_end, wanted.begin(), wanted.end());
+    if (found == m_end) {
         return false;
     }
-    const auto begin = found + static_cast<std::ptrdiff_t>(wanted.size());
-    value.begin = static_cast<std::size_t>(begin - m_line.begin());
-    value.length = static_cast<std::size_t>(std::find(begin, tokenEnd, '"') - begin);
+    value.begin = found + wanted.size();
+    value.length = static_cast<std::size_t>(FindQuote(value.begin, m_end) - value.begin);
     return true;
 }
 
 void CXmlStreamReader::DecodeValue(const Span& span, std::wstring& value) const
 {
-    const char* const begin = m_line.data() + span.begin;
     if (m_isAscii) {
-        value.resize(span.length);
-        for (std::size_t i = 0; i < span.length; ++i) {
-            value[i] = static_cast<wchar_t>(begin[i]);
-        }
+        // Made new: growing it would fill it first.
+        value = std::wstring(span.begin, span.begin + span.length);
     } else {
-        GetStringFromUTF8(std::string(begin, span.length), value);
+        value.clear();
+        GetStringFromUTF8(std::string(span.begin, span.length), value);
     }
-    if (std::memchr(begin, '&', span.length) != nullptr) {
+    if (span.length > 0 && std::memchr(span.begin, '&', span.length) != nullptr) {
         FromXML(value);
     }
 }
@@ -566,8 +646,29 @@ bool CXmlStreamReader::EnterElement()
     return true;
 }
 
+namespace
+{
+
+/// The sink behind a stream on which nobody looks while it is written to, or null.
+CTextSink* SinkBehind(const std::ostream& output)
+{
+    auto* buffer = dynamic_cast<CGatherBuffer*>(output.rdbuf());
+    return buffer == nullptr ? nullptr : &buffer->Sink();
+}
+
+} // namespace
+
 CXmlStreamWriter::CXmlStreamWriter(CAbstractStream& output, const std::string& name)
-    : m_output(&output), m_name(&name), m_isForChecksum(dynamic_cast<CChecksumStream*>(&output) != nullptr)
+    : m_output(&output), m_sink(nullptr), m_name(&name),
+      m_isForChecksum(dynamic_cast<CChecksumStream*>(&output) != nullptr)
+{
+    if (typeid(output) == typeid(COutStream)) {
+        m_sink = SinkBehind(*static_cast<COutStream&>(output).m_output);
+    }
+}
+
+CXmlStreamWriter::CXmlStreamWriter(CAbstractStream& output, const std::string& name, CTextSink& sink)
+    : m_output(&output), m_sink(&sink), m_name(&name), m_isForChecksum(true)
 {
 }
 
@@ -576,55 +677,83 @@ CXmlStreamWriter::~CXmlStreamWriter() = default;
 bool CXmlStreamWriter::WriteFirstLine()
 {
     static const std::string firstLine("<?xml version=\"1.0\" encoding=\"utf-8\" ?>");
-    m_output->WriteNonEmptyString(firstLine);
-    m_output->WriteNewLine();
+    if (m_sink == nullptr) {
+        m_output->WriteNonEmptyString(firstLine);
+        m_output->WriteNewLine();
+    } else if (!m_isForChecksum) {
+        m_sink->Put(firstLine);
+        m_sink->Put("\n", 1);
+    }
     return true;
 }
 
 void CXmlStreamWriter::CloseStartTag()
 {
-    if (m_isEmptyClosePending) {
-        m_output->WriteNoAddedEndToken();
-        m_isEmptyClosePending = false;
-    } else {
-        m_output->WriteEndToken();
+    const bool isEmpty = m_isEmptyClosePending;
+    m_isEmptyClosePending = false;
+    if (m_sink == nullptr) {
+        if (isEmpty) {
+            m_output->WriteNoAddedEndToken();
+        } else {
+            m_output->WriteEndToken();
+        }
+        m_output->WriteNewLine();
+    } else if (!m_isForChecksum) {
+        m_sink->Put(isEmpty ? "/>\n" : ">\n", isEmpty ? 3 : 2);
     }
-    m_output->WriteNewLine();
+}
+
+/// Writes indentation, "<" or "</", and name.
+void CXmlStreamWriter::WriteTag(const char* opening, std::size_t openingLength, const std::string& name)
+{
+    const std::size_t indentation = m_openCount * IndentationStep;
+    if (m_sink == nullptr) {
+        m_output->WriteSpaces(indentation);
+        if (openingLength == 1) {
+            m_output->WriteBeginToken();
+        } else {
+            m_output->WriteBeginEndToken();
+        }
+        m_output->WriteNonEmptyString(name);
+    } else if (!m_isForChecksum) {
+        char* const to = m_sink->Reserve(indentation + openingLength + name.size());
+        std::memset(to, ' ', indentation);
+        std::memcpy(to + indentation, opening, openingLength);
+        std::memcpy(to + indentation + openingLength, name.data(), name.size());
+        m_sink->Advance(to + indentation + openingLength + name.size());
+    }
 }
 
 bool CXmlStreamWriter::BeginElement(const std::string& name)
 {
-    if (!m_openElements.empty()) {
+    if (m_openCount > 0) {
         CloseStartTag();
     }
-    m_output->WriteSpaces(m_openElements.size() * IndentationStep);
-    m_output->WriteBeginToken();
-    m_output->WriteNonEmptyString(name);
-    m_openElements.push_back(name);
+    WriteTag("<", 1, name);
+    if (m_openCount == m_openElements.size()) {
+        m_openElements.emplace_back();
+    }
+    m_openElements[m_openCount++] = name;
     m_isStartTagOpen = true;
     return true;
 }
 
 bool CXmlStreamWriter::EndElement()
 {
-    if (m_openElements.empty()) {
+    if (m_openCount == 0) {
         return true;
     }
     if (m_isStartTagOpen) {
-        m_openElements.pop_back();
+        --m_openCount;
         m_isStartTagOpen = false;
         m_isEmptyClosePending = true;
         return true;
     }
     CloseStartTag();
-    const std::string name = std::move(m_openElements.back());
-    m_openElements.pop_back();
-    m_output->WriteSpaces(m_openElements.size() * IndentationStep);
-    m_output->WriteBeginEndToken();
-    m_output->WriteNonEmptyString(name);
-    if (m_openElements.empty()) {
-        m_output->WriteEndToken();
-        m_output->WriteNewLine();
+    --m_openCount;
+    WriteTag("</", 2, m_openElements[m_openCount]);
+    if (m_openCount == 0) {
+        CloseStartTag();
     }
     return true;
 }
@@ -634,12 +763,17 @@ bool CXmlStreamWriter::SetAttribute(const std::string& name, const std::wstring&
     if (value.empty()) {
         return true;
     }
+    // Escaping leaves nothing but printable ASCII, which is its own UTF-8 form.
+    if (m_sink != nullptr) {
+        PutAttribute(name, value);
+        return true;
+    }
     static const std::string blank(" ");
     m_attributeText.assign(name);
     m_attributeText += "=\"";
+    char escaped[MaxEscapedLength];
     for (const wchar_t character : value) {
-        // Escaping leaves nothing but printable ASCII, which is its own UTF-8 form.
-        AppendEscaped(m_attributeText, character);
+        m_attributeText.append(escaped, PutEscaped(escaped, character));
     }
     m_attributeText += '"';
     m_output->WriteNonEmptyString(blank);
@@ -647,21 +781,44 @@ bool CXmlStreamWriter::SetAttribute(const std::string& name, const std::wstring&
     return true;
 }
 
+void CXmlStreamWriter::PutAttribute(const std::string& name, const std::wstring& value)
+{
+    constexpr std::size_t piece = 256;
+    char* to = m_sink->Reserve(name.size() + 3);
+    if (!m_isForChecksum) {
+        *to++ = ' '; // layout; the checksum does not see it
+    }
+    std::memcpy(to, name.data(), name.size());
+    to += name.size();
+    *to++ = '=';
+    *to++ = '"';
+    m_sink->Advance(to);
+    for (std::size_t begin = 0; begin < value.size(); begin += piece) {
+        const std::size_t length = std::min(piece, value.size() - begin);
+        to = m_sink->Reserve(length * MaxEscapedLength);
+        m_sink->Advance(PutEscaped(to, value.data() + begin, length));
+    }
+    m_sink->Put("\"", 1);
+}
+
 bool CXmlStreamWriter::SetAttribute(const CReadOnlyAttribute& attribute)
 {
-    return SetAttribute(attribute.GetNodeName(), attribute.GetValue());
+    return attribute.IsEmpty() || SetAttribute(attribute.GetNodeName(), attribute.GetValue());
 }
 
 bool CXmlStreamWriter::AddListEntry(const std::string& line, bool first, bool last)
 {
-    if (m_openElements.size() < 2) {
+    if (m_openCount < 2) {
         return false;
+    }
+    if (m_sink != nullptr) {
+        m_sink->Drain(); // what the stream gets now comes behind it
     }
     if (first) {
         m_output->WriteEndToken();
         m_output->WriteNewLine();
     }
-    m_output->WriteSpaces(m_openElements.size() * IndentationStep);
+    m_output->WriteSpaces(m_openCount * IndentationStep);
     m_output->WriteConnectedDeviceLine(line, first);
     if (last) {
         // No line end: what follows closes this line with ">".
@@ -716,7 +873,7 @@ bool CXmlStreamWriter::InvalidUTF8(const std::string& detail) const
 
 bool CXmlStreamWriter::IsTooDeep() const
 {
-    if (m_openElements.size() < CXmlStreamReader::MaxDepth) {
+    if (m_openCount < CXmlStreamReader::MaxDepth) {
         return false;
     }
     CDeviceFootprint::SetLastError(GetCurrentPositionText() + "elements are nested too deeply");
