@@ -1,5 +1,5 @@
-#ifndef NYXTEST_ERRORWORD_H
-#define NYXTEST_ERRORWORD_H
+#ifndef NYXCONFIG_ERRORWORD_H
+#define NYXCONFIG_ERRORWORD_H
 
 #include "DeviceFootprint.h"
 

@@ -1,5 +1,5 @@
-#ifndef NYXTEST_EXCEPTIONSON_H
-#define NYXTEST_EXCEPTIONSON_H
+#ifndef NYXCONFIG_EXCEPTIONSON_H
+#define NYXCONFIG_EXCEPTIONSON_H
 
 #include "DeviceFootprint.h"
 

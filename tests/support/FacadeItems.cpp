@@ -36,7 +36,9 @@ void DeleteTasks(const IMaintenanceDataDescItem* data)
         return;
     }
     for (const IMaintenanceDescItem* maintenance : data->getMaintenances()) {
-        DeleteAs<MaintenanceTaskDescItem>(maintenance->getMaintenanceTasks());
+        if (maintenance != nullptr) {
+            DeleteAs<MaintenanceTaskDescItem>(maintenance->getMaintenanceTasks());
+        }
     }
 }
 
@@ -65,7 +67,9 @@ void DeleteBoard(HwBoardDescItem* board)
 void DeleteSoftware(const std::list<ISoftwareDescItem*>& items)
 {
     for (const ISoftwareDescItem* item : items) {
-        DeleteSoftware(item->getSoftwareItems());
+        if (item != nullptr) {
+            DeleteSoftware(item->getSoftwareItems());
+        }
     }
     DeleteAs<SoftwareDescItem>(items);
 }

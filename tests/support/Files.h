@@ -1,5 +1,5 @@
-#ifndef NYXTEST_FILES_H
-#define NYXTEST_FILES_H
+#ifndef NYXCONFIG_FILES_H
+#define NYXCONFIG_FILES_H
 
 #include <cstddef>
 #include <string>

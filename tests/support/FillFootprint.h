@@ -1,5 +1,5 @@
-#ifndef NYXTEST_FILLFOOTPRINT_H
-#define NYXTEST_FILLFOOTPRINT_H
+#ifndef NYXCONFIG_FILLFOOTPRINT_H
+#define NYXCONFIG_FILLFOOTPRINT_H
 
 #include "DeviceFootprint.h"
 
@@ -17,9 +17,9 @@ struct FillAmount
 };
 
 /**
- * Sets every attribute that is empty, but for checksums, and fills the lists. The values are different from one another:
- * attribute name, "-", running number, "-v", the numbers counting from 1 in the order of a file; behind each fifth of
- * them follow characters that a file escapes. Connected devices have a right checksum.
+ * Sets every attribute that is empty, but for checksums, and fills the lists. The values are different from one
+ * another: attribute name, "-", running number, "-v", the numbers counting from 1 in the order of a file; behind each
+ * fifth of them follow characters that a file escapes. Connected devices have a right checksum.
  */
 void FillFootprint(KvDeviceFootprint::CDeviceFootprintData& footprint, const FillAmount& amount = {});
 

@@ -1,5 +1,5 @@
-#ifndef NYXTEST_FOREIGNLOCALE_H
-#define NYXTEST_FOREIGNLOCALE_H
+#ifndef NYXCONFIG_FOREIGNLOCALE_H
+#define NYXCONFIG_FOREIGNLOCALE_H
 
 #include <clocale>
 #include <locale>

@@ -1,5 +1,5 @@
-#ifndef NYXTEST_RANDOM_H
-#define NYXTEST_RANDOM_H
+#ifndef NYXCONFIG_RANDOM_H
+#define NYXCONFIG_RANDOM_H
 
 #include <cstddef>
 #include <cstdlib>

@@ -1,5 +1,5 @@
-#ifndef NYXTEST_REFERENCEMD5_H
-#define NYXTEST_REFERENCEMD5_H
+#ifndef NYXCONFIG_REFERENCEMD5_H
+#define NYXCONFIG_REFERENCEMD5_H
 
 #include <openssl/evp.h>
 

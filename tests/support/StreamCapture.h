@@ -1,5 +1,5 @@
-#ifndef NYXTEST_STREAMCAPTURE_H
-#define NYXTEST_STREAMCAPTURE_H
+#ifndef NYXCONFIG_STREAMCAPTURE_H
+#define NYXCONFIG_STREAMCAPTURE_H
 
 #include <iostream>
 #include <sstream>

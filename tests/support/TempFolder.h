@@ -1,5 +1,5 @@
-#ifndef NYXTEST_TEMPFOLDER_H
-#define NYXTEST_TEMPFOLDER_H
+#ifndef NYXCONFIG_TEMPFOLDER_H
+#define NYXCONFIG_TEMPFOLDER_H
 
 #include <string>
 

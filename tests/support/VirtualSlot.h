@@ -1,5 +1,5 @@
-#ifndef NYXTEST_VIRTUALSLOT_H
-#define NYXTEST_VIRTUALSLOT_H
+#ifndef NYXCONFIG_VIRTUALSLOT_H
+#define NYXCONFIG_VIRTUALSLOT_H
 
 #include <gtest/gtest.h>
 

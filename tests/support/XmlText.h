@@ -1,5 +1,5 @@
-#ifndef NYXTEST_XMLTEXT_H
-#define NYXTEST_XMLTEXT_H
+#ifndef NYXCONFIG_XMLTEXT_H
+#define NYXCONFIG_XMLTEXT_H
 
 #include <cstddef>
 #include <functional>
@@ -30,8 +30,8 @@ XmlElement ParseXml(const std::string& text);
 /// The document in the form in which a save writes it.
 std::string ToXmlText(const XmlElement& root);
 
-/// What a document's checksum is the digest of: the attributes, without the root's checksum, and then the children, both
-/// sorted by name. A connected device with a checksum enters with that alone.
+/// What a document's checksum is the digest of: the attributes, without the root's checksum, and then the children,
+/// both sorted by name. A connected device with a checksum enters with that alone.
 std::string CanonicalText(const XmlElement& root);
 
 } // namespace NyxTest
