@@ -8,8 +8,8 @@
 namespace KvOrdo
 {
 
-// The C library ties standard error to the width that was written first, and the "C" locale takes ASCII only. A text that
-// one stream can not take goes to the other.
+// The C library ties standard error to the width that was written first, and the "C" locale takes ASCII only. A text
+// that one stream can not take goes to the other.
 
 void WriteError(const std::string& text)
 {

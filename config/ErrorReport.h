@@ -6,8 +6,8 @@
 namespace KvOrdo
 {
 
-/// Writes the text and a line end to the narrow or the wide error stream. Where the process's standard error can not take
-/// text of that width any more, the text goes to the other stream instead of nowhere.
+/// Writes the text and a line end to the narrow or the wide error stream. Where the process's standard error can not
+/// take text of that width any more, the text goes to the other stream instead of nowhere.
 void WriteError(const std::string& text);
 void WriteError(const std::wstring& text);
 

@@ -42,7 +42,7 @@ std::list<Interface*> Release(CItemOwners<Item>& owners)
         items.push_back(owner.get());
     }
     for (CItemOwner<Item>& owner : owners) {
-        owner.release();
+        static_cast<void>(owner.release());
     }
     return items;
 }

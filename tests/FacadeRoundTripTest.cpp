@@ -40,7 +40,8 @@ constexpr long smallestLong = std::numeric_limits<long>::min();
 
 // ------------------------------------------------------------------------------------------------------ random items
 
-/// Fills a facade with items at random: such as all checks accept, or also others.
+/// Fills a facade with items at random: such as all checks accept, or also others. Boards have no negative numbers, as
+/// those are numbered anew by each save.
 class ItemMaker
 {
 public:
@@ -62,43 +63,15 @@ public:
 private:
     std::wstring Text()
     {
-        static const std::vector<std::wstring> pieces = {L"a",
-                                                         L"Z",
-                                                         L"7",
-                                                         L" ",
-                                                         L"  ",
-                                                         L"\t",
-                                                         L"\n",
-                                                         L"\r\n",
-                                                         L"<",
-                                                         L">",
-                                                         L"/>",
-                                                         L"&",
-                                                         L"\"",
-                                                         L"'",
-                                                         L"&amp;",
-                                                         L";",
-                                                         L"&#65;",
-                                                         L"&#x41;",
-                                                         L" sn=",
-                                                         L" name=\"",
-                                                         L",",
-                                                         L"[",
-                                                         L"]",
-                                                         L".",
-                                                         L"-",
-                                                         L"=",
-                                                         L"\x7F",
-                                                         L"\u00E9",
-                                                         L"\u20AC",
-                                                         L"\uFFFE",
-                                                         L"\U0001F600",
-                                                         std::wstring(1, L'\0'),
-                                                         std::wstring(1, static_cast<wchar_t>(0xD800)),
-                                                         std::wstring(1, static_cast<wchar_t>(-28))};
+        static const std::vector<std::wstring> pieces = {
+            L"a", L"Z",  L"7", L" ", L"  ",    L"\t",     L"\n",     L"\r\n",   L"<",         L">",        L"/>",
+            L"&", L"\"", L"'", L"=", L"&amp;", L";",      L"&#65;",  L"&#x41;", L" sn=",      L" name=\"", L",",
+            L"[", L"]",  L".", L"-", L"\x7F",  L"\u00E9", L"\u20AC", L"\uFFFE", L"\U0001F600"};
+        static const std::wstring strange = {L'\0', static_cast<wchar_t>(0xD800), static_cast<wchar_t>(-28)};
         std::wstring text;
         for (std::size_t count = m_random.Below(7); count > 0; --count) {
-            text += m_random.OneOf(pieces);
+            text +=
+                m_random.OneIn(20) ? std::wstring(1, strange[m_random.Below(strange.size())]) : m_random.OneOf(pieces);
         }
         return text;
     }
@@ -308,13 +281,13 @@ long ReadSerialNumber(long number)
     return std::stol(std::to_string(number > 99999999 ? number / 1000 : number).substr(0, 6));
 }
 
+/// Whether nothing is written of an item, which is so for null pointers and for items whose fields are all empty.
 bool IsEmptyItem(const Json& item)
 {
     return item.is_null() ||
            std::all_of(item.begin(), item.end(), [](const Json& field) { return field.empty() || field == ""; });
 }
 
-/// Null pointers and items without any content are not written.
 void DropEmpty(Json& items)
 {
     Json kept = Json::array();

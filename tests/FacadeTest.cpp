@@ -263,12 +263,14 @@ TEST_F(FacadeTest, FreshFacadeHoldsNothing)
 TEST_F(FacadeTest, ConstructorAsksOnePropertyAndDoesNotCareForIt)
 {
     for (const int value : {0, 1, 2, -5}) {
+        OwningConfig owner;
         s_propertyValue = value;
         s_propertyCalls.clear();
         OwningConfig config;
         EXPECT_EQ(TestKeyDependency(config), 1) << value;
         config.loadFile(WriteDocument(goodDevice + oneBoard), true);
-        DropSoftware(config);
+        owner.setSoftwareData(config.getSoftwareData());
+        config.setSoftwareData(nullptr);
         config.getDevFp(true);
         EXPECT_EQ(s_propertyCalls, std::vector<std::string>{"TestFeatures/Generic TestKeyDependency 0 2"}) << value;
     }

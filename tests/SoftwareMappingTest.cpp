@@ -5,7 +5,6 @@
 #include "ErrorJournal.h"
 #include "ErrorWord.h"
 #include "FacadeMembers.h"
-#include "FakeClock.h"
 #include "Files.h"
 #include "FootprintDump.h"
 #include "GoldenData.h"

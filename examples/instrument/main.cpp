@@ -47,7 +47,7 @@ std::string BuildAndSave(const std::string& folder)
     PrintStep("Building a complete instrument and saving it");
     CNyxConfig config;
     BuildInstrument(config);
-    const std::string saved = config.saveFile(folder, true);
+    std::string saved = config.saveFile(folder, true);
     std::cout << "  saved as " << saved << "\n";
     FreeItems(config);
 

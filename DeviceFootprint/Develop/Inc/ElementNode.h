@@ -19,8 +19,8 @@ class CXmlStreamWriter;
 
 class CElementNode;
 
-/// What all objects of an element class have in common: where its attributes and children lie, and their canonical order.
-/// One per class, made once; an object's attribute table then needs no memory of its own.
+/// What all objects of an element class have in common: where its attributes and children lie, and their canonical
+/// order. One per class, made once; an object's attribute table then needs no memory of its own.
 class NYXCONFIG_EXPORT CElementLayout
 {
 public:

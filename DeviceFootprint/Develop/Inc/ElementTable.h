@@ -110,7 +110,6 @@ constexpr const char* TagOf(const COwnedElement<Child>* /*type*/)
     return Child::Tag;
 }
 
-
 template<class Element, class Member>
 constexpr AttributeRow<Element, Member> Attribute(Member Element::*member, const CNodeName& (*name)())
 {

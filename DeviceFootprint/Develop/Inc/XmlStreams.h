@@ -157,8 +157,8 @@ public:
     bool EnterElement();
     void LeaveElement() { --m_depth; }
 
-    /// Loads all attributes of an element that is just of the layout's class, as GetAttribute() of each would. False, with
-    /// nothing changed, if the token does not give them in the order of the layout.
+    /// Loads all attributes of an element that is just of the layout's class, as GetAttribute() of each would. False,
+    /// with nothing changed, if the token does not give them in the order of the layout.
     bool GetAttributes(CElementNode& element, const CElementLayout& layout);
 
 private:
@@ -193,7 +193,12 @@ private:
     const char* m_begin = nullptr;
     const char* m_end = nullptr;
     bool m_isAscii = true;
-    enum { eNotTried, eLocated, eOtherForm } m_attributesState = eNotTried;
+    enum
+    {
+        eNotTried,
+        eLocated,
+        eOtherForm
+    } m_attributesState = eNotTried;
     std::vector<LocatedAttribute> m_attributes;
     std::size_t m_depth = 0;
 };

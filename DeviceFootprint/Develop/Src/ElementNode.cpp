@@ -37,6 +37,7 @@ CElementLayout::CElementLayout(const std::type_info& type, std::vector<Attribute
     });
     const auto getters = [](const std::vector<Child>& from) {
         std::vector<TChildGetter> to;
+        to.reserve(from.size());
         for (const Child& child : from) {
             to.push_back(child.get);
         }
@@ -73,9 +74,11 @@ CElementNode::CElementNode(const CElementNode& other) : CNode(other) {}
 
 CElementNode& CElementNode::operator=(const CElementNode& other)
 {
-    CNode::operator=(other);
-    m_layout = nullptr;
-    m_added.reset();
+    if (this != &other) {
+        CNode::operator=(other);
+        m_layout = nullptr;
+        m_added.reset();
+    }
     return *this;
 }
 
@@ -154,9 +157,8 @@ bool CElementNode::Compare(const CElementNode& other, const CComparatorRules& ru
     const CElementLayout* layout = ExactLayout();
     if (layout != nullptr && layout == other.ExactLayout() && !layout->HasTwins()) {
         const auto& getters = layout->Children();
-        return std::all_of(getters.begin(), getters.end(), [&](CElementLayout::TChildGetter get) {
-            return get(*this)->Compare(*get(other), rules);
-        });
+        return std::all_of(getters.begin(), getters.end(),
+                           [&](CElementLayout::TChildGetter get) { return get(*this)->Compare(*get(other), rules); });
     }
     return AllChildren([&](const CElementNode& child) {
         // A child without a counterpart is no difference.

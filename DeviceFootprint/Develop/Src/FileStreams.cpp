@@ -40,9 +40,7 @@ CFileDescriptor::~CFileDescriptor()
     }
 }
 
-CReadBuffer::CReadBuffer(const std::string& fileName) : m_file(Open(fileName, O_RDONLY)), m_room(BufferSize)
-{
-}
+CReadBuffer::CReadBuffer(const std::string& fileName) : m_file(Open(fileName, O_RDONLY)), m_room(BufferSize) {}
 
 /// Reads on behind what was consumed. False at the end of the file and on a failure.
 bool CReadBuffer::Fill()
@@ -133,9 +131,7 @@ void COutputFile::Take(const char* text, std::size_t count)
     }
 }
 
-COutputText::COutputText() : CTextSink(BufferSize), m_buffer(*this), m_stream(&m_buffer)
-{
-}
+COutputText::COutputText() : CTextSink(BufferSize), m_buffer(*this), m_stream(&m_buffer) {}
 
 void COutputText::Take(const char* text, std::size_t count)
 {

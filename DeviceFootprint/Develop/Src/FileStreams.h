@@ -91,8 +91,8 @@ private:
     CTextSink* m_sink;
 };
 
-/// A file for writing, binary, truncating. What was gathered is written and the file is closed with this object, on every
-/// path. A failure to write is not noticed; what comes after it is dropped.
+/// A file for writing, binary, truncating. What was gathered is written and the file is closed with this object, on
+/// every path. A failure to write is not noticed; what comes after it is dropped.
 class COutputFile : private CTextSink
 {
 public:

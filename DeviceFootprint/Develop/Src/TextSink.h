@@ -9,8 +9,8 @@
 namespace KvDeviceFootprint
 {
 
-/// Gathers text in a buffer and hands it on in large pieces. CXmlStreamWriter writes to one directly where it knows that
-/// nobody can tell the difference.
+/// Gathers text in a buffer and hands it on in large pieces. CXmlStreamWriter writes to one directly where it knows
+/// that nobody can tell the difference.
 class CTextSink
 {
 public:

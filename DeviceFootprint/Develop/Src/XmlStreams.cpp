@@ -64,11 +64,7 @@ struct PlainTable
 /// Writes what a value's character becomes in a file: itself, an entity or a decimal reference.
 char* PutEscaped(char* to, wchar_t character)
 {
-    const auto put = [&to](const char* text) {
-        const std::size_t length = std::strlen(text);
-        std::memcpy(to, text, length);
-        return to + length;
-    };
+    const auto put = [&to](const char* text) { return std::copy_n(text, std::strlen(text), to); };
     switch (character) {
     case L'&':
         return put("&amp;");
@@ -98,7 +94,8 @@ char* PutEscaped(char* to, const wchar_t* text, std::size_t length)
 {
     static const PlainTable table;
     for (const wchar_t* const end = text + length; text != end; ++text) {
-        if (static_cast<std::uint32_t>(*text) < table.isPlain.size() && table.isPlain[static_cast<std::size_t>(*text)]) {
+        if (static_cast<std::uint32_t>(*text) < table.isPlain.size() &&
+            table.isPlain[static_cast<std::size_t>(*text)]) {
             *to++ = static_cast<char>(*text);
         } else {
             to = PutEscaped(to, *text);
@@ -386,8 +383,8 @@ bool CXmlStreamReader::ValidateToken()
 
 bool CXmlStreamReader::MayHold(const std::string& name) const
 {
-    // Widening a name gives negative characters for its bytes above 127, and no decoded character is negative. The bytes
-    // of the line, though, could be equal to them.
+    // Widening a name gives negative characters for its bytes above 127, and no decoded character is negative. The
+    // bytes of the line, though, could be equal to them.
     return m_isAscii || IsAscii(name.data(), name.data() + name.size());
 }
 
@@ -479,8 +476,8 @@ bool CXmlStreamReader::FindAttribute(const std::string& name, Span& value)
     return true;
 }
 
-/// Splits a start tag in the writer's own form into its attributes. A plain search could find a name inside a value that
-/// ends in ` name=`, and read wrong data back.
+/// Splits a start tag in the writer's own form into its attributes. A plain search could find a name inside a value
+/// that ends in ` name=`, and read wrong data back.
 bool CXmlStreamReader::LocateAttributes()
 {
     m_attributes.clear();
@@ -513,8 +510,8 @@ bool CXmlStreamReader::LocateAttributes()
         if (quote == end) {
             return false;
         }
-        m_attributes.push_back({{begin, static_cast<std::size_t>(cursor - begin)},
-                                {value, static_cast<std::size_t>(quote - value)}});
+        m_attributes.push_back(
+            {{begin, static_cast<std::size_t>(cursor - begin)}, {value, static_cast<std::size_t>(quote - value)}});
         cursor = quote + 1;
     }
     return true;
@@ -716,11 +713,10 @@ void CXmlStreamWriter::WriteTag(const char* opening, std::size_t openingLength, 
         }
         m_output->WriteNonEmptyString(name);
     } else if (!m_isForChecksum) {
-        char* const to = m_sink->Reserve(indentation + openingLength + name.size());
-        std::memset(to, ' ', indentation);
-        std::memcpy(to + indentation, opening, openingLength);
-        std::memcpy(to + indentation + openingLength, name.data(), name.size());
-        m_sink->Advance(to + indentation + openingLength + name.size());
+        char* to = m_sink->Reserve(indentation + openingLength + name.size());
+        to = std::fill_n(to, indentation, ' ');
+        to = std::copy_n(opening, openingLength, to);
+        m_sink->Advance(std::copy(name.begin(), name.end(), to));
     }
 }
 
@@ -788,8 +784,7 @@ void CXmlStreamWriter::PutAttribute(const std::string& name, const std::wstring&
     if (!m_isForChecksum) {
         *to++ = ' '; // layout; the checksum does not see it
     }
-    std::memcpy(to, name.data(), name.size());
-    to += name.size();
+    to = std::copy(name.begin(), name.end(), to);
     *to++ = '=';
     *to++ = '"';
     m_sink->Advance(to);
