@@ -73,4 +73,4 @@ install(FILES packaging/tmpfiles.d/nyxconfig.conf DESTINATION lib/tmpfiles.d COM
 # --- The schemas of the file formats --------------------------------------------------------------------------------
 
 install(FILES schema/footprint.xsd schema/footprint-link.xsd DESTINATION "${CMAKE_INSTALL_DATADIR}/nyxconfig"
-    COMPONENT development)
+    COMPONENT common)

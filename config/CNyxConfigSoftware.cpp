@@ -89,9 +89,12 @@ void CNyxConfig::fillSoftwareDataIntoFootprint(bool throwOnError)
     } else {
         ReportError("CNyxConfig::fillSoftwareDataIntoFootprint(): operating system item must be set", throwOnError);
     }
+    CSoftwareList& list = m_devFp.m_softwareData.m_softwareList;
     for (ISoftwareDescItem* item : m_softwareData->getSoftwareItems()) {
-        m_devFp.m_softwareData.m_softwareList.emplace_back();
-        fillCSoftware(m_devFp.m_softwareData.m_softwareList.back(), item, nullptr, throwOnError);
+        // Filled apart from the document, which gets it whole or, if an exception leaves, not at all.
+        std::list<CSoftware> filled(1);
+        fillCSoftware(filled.back(), item, nullptr, throwOnError);
+        list.splice(list.end(), filled);
     }
 }
 

@@ -534,7 +534,7 @@ TEST_F(HardwareMappingTest, BoardsReadBeforeAFailureStay)
 {
     for (const wchar_t* index : {L"01.02", L"1.2", L"03.04"}) {
         Hardware().m_hardwareList.push_back(FullBoard());
-        Hardware().m_hardwareList.back().m_id = Hardware().m_hardwareList.size() * 1L;
+        Hardware().m_hardwareList.back().m_id = std::to_wstring(Hardware().m_hardwareList.size());
         Hardware().m_hardwareList.back().m_programmableParts.back().m_partChangeIndex = index;
     }
     EXPECT_EQ(ThrownText([&] { m_config.fillHardwareDataFromFootprint(true); }),

@@ -42,7 +42,7 @@ void Write(const XmlElement& element, std::size_t depth, std::string& text)
     const std::string indentation(2 * depth, ' ');
     text += indentation + "<" + element.name;
     for (const auto& [name, value] : element.attributes) {
-        text += " " + name + "=\"" + value + "\"";
+        text.append(" ").append(name).append("=\"").append(value).append("\"");
     }
     if (element.children.empty()) {
         text += "/>\n";
@@ -66,7 +66,7 @@ void AppendCanonical(const XmlElement& element, bool isRoot, std::string& text)
     std::sort(attributes.begin(), attributes.end());
     for (const auto& [name, value] : attributes) {
         if (!isRoot || name != "checksum") {
-            text += name + "=\"" + value + "\"";
+            text.append(name).append("=\"").append(value).append("\"");
         }
     }
     std::vector<const XmlElement*> children;
