@@ -93,15 +93,14 @@ bool CElementNodeList<T>::SaveToStream(CXmlStreamWriter& writer)
 template<class T>
 bool CElementNodeList<T>::LoadFromStream(CXmlStreamReader& reader)
 {
+    const CElementScope scope(reader);
+    if (!scope.IsEntered()) {
+        return false;
+    }
     if (reader.ElementHasNoChilds()) {
         return reader.NextToken();
     }
-    if (!reader.EnterElement()) {
-        return false;
-    }
-    const bool loaded = reader.NextToken() && LoadEntries(reader);
-    reader.LeaveElement();
-    return loaded;
+    return reader.NextToken() && LoadEntries(reader);
 }
 
 template<class T>

@@ -98,16 +98,31 @@ struct ChildRow
     Member Element::*member;
 };
 
-template<class Child>
-constexpr const char* TagOf(const Child* /*type*/)
+template<class Child, class = void>
+struct HasTag : std::false_type
 {
-    return Child::Tag;
+};
+
+template<class Child>
+struct HasTag<Child, std::void_t<decltype(Child::Tag)>> : std::true_type
+{
+};
+
+/// The tag of a child class. One that is not written as a table has its static name alone.
+template<class Child>
+const char* TagOf(const Child* /*type*/)
+{
+    if constexpr (HasTag<Child>::value) {
+        return Child::Tag;
+    } else {
+        return Child::s_ElementName.c_str();
+    }
 }
 
 template<class Child>
-constexpr const char* TagOf(const COwnedElement<Child>* /*type*/)
+const char* TagOf(const COwnedElement<Child>* /*type*/)
 {
-    return Child::Tag;
+    return TagOf(static_cast<const Child*>(nullptr));
 }
 
 template<class Element, class Member>
@@ -307,19 +322,20 @@ COwnedElement<T>::~COwnedElement() = default;
 
 /// Defines the operations that follow from the rows.
 #define DFP_DEFINE_ELEMENT_TABLE(Class)                                                                                \
-    const CElementLayout& Class::Layout()                                                                              \
+    const ::KvDeviceFootprint::CElementLayout& Class::Layout()                                                         \
     {                                                                                                                  \
-        static const CElementLayout layout = ElementTable::Rows<Class>::MakeLayout();                                  \
+        static const ::KvDeviceFootprint::CElementLayout layout =                                                      \
+            ::KvDeviceFootprint::ElementTable::Rows<Class>::MakeLayout();                                              \
         return layout;                                                                                                 \
     }                                                                                                                  \
     void Class::initAttributeNodes()                                                                                   \
     {                                                                                                                  \
         AddAttributeNodes(Layout());                                                                                   \
     }                                                                                                                  \
-    void Class::GetChildElements(std::list<CElementNode*>& children) const                                             \
+    void Class::GetChildElements(std::list<::KvDeviceFootprint::CElementNode*>& children) const                        \
     {                                                                                                                  \
         children.clear();                                                                                              \
-        for (const CElementLayout::TChildGetter get : Layout().Children()) {                                           \
+        for (const ::KvDeviceFootprint::CElementLayout::TChildGetter get : Layout().Children()) {                      \
             children.push_back(get(*this));                                                                            \
         }                                                                                                              \
     }

@@ -203,6 +203,28 @@ private:
     std::size_t m_depth = 0;
 };
 
+/// Enters an element of a reader for as long as this object lives.
+class CElementScope
+{
+public:
+    explicit CElementScope(CXmlStreamReader& reader) : m_reader(&reader), m_entered(reader.EnterElement()) {}
+    CElementScope(const CElementScope&) = delete;
+    CElementScope& operator=(const CElementScope&) = delete;
+    ~CElementScope()
+    {
+        if (m_entered) {
+            m_reader->LeaveElement();
+        }
+    }
+
+    /// False if the element is nested too deeply, which was reported.
+    bool IsEntered() const { return m_entered; }
+
+private:
+    CXmlStreamReader* m_reader;
+    bool m_entered;
+};
+
 /**
  * Writes elements and attributes to a CAbstractStream. Each ">" and line end is written only when the next call shows
  * which form is needed, so a call often ends what the one before began. A root without children is left without its

@@ -249,6 +249,10 @@ bool CElementNode::SaveContent(CXmlStreamWriter& writer)
 
 bool CElementNode::LoadFromStream(CXmlStreamReader& reader)
 {
+    const CElementScope scope(reader);
+    if (!scope.IsEntered()) {
+        return false;
+    }
     const CElementLayout* layout = ExactLayout();
     if (layout == nullptr || !layout->HasOwnNames(*this) || !reader.GetAttributes(*this, *layout)) {
         for (std::size_t i = 0; i < AttributeCount(); ++i) {
@@ -258,12 +262,7 @@ bool CElementNode::LoadFromStream(CXmlStreamReader& reader)
     if (reader.ElementHasNoChilds()) {
         return reader.NextToken();
     }
-    if (!reader.EnterElement()) {
-        return false;
-    }
-    const bool loaded = reader.NextToken() && LoadChildren(reader);
-    reader.LeaveElement();
-    return loaded;
+    return reader.NextToken() && LoadChildren(reader);
 }
 
 bool CElementNode::LoadChildren(CXmlStreamReader& reader)
