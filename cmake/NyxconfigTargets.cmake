@@ -13,6 +13,8 @@ function(nyxconfig_target target)
     if(NYXCONFIG_SANITIZE)
         target_compile_options(${target} PRIVATE -fsanitize=${NYXCONFIG_SANITIZE} -fno-sanitize-recover=all
                                                  -fno-omit-frame-pointer)
+        # With the sanitizers, gcc takes members of the standard library's regular expressions for uninitialised.
+        target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
         target_link_options(${target} PRIVATE -fsanitize=${NYXCONFIG_SANITIZE})
     endif()
 endfunction()
