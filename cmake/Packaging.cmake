@@ -25,9 +25,7 @@ that say what an instrument is and what it consists of, and keeps their history.
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${runtime_package})
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
-# The firmware's libraries, or the stand-ins for a PC.
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS "nyxconfig-common (>= ${PROJECT_VERSION}), \
-nyxconfig-pc-platform | libvelautil1, nyxconfig-pc-platform | libvelatrace1")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS "nyxconfig-common (>= ${PROJECT_VERSION})")
 
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "For development: headers, CMake package and pkg-config file.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libnyxconfig-dev)
@@ -44,9 +42,12 @@ set(CPACK_DEBIAN_COMMON_PACKAGE_CONTROL_EXTRA
 
 if(NYXCONFIG_PLATFORM STREQUAL "pc")
     list(APPEND CPACK_COMPONENTS_ALL platform)
+    # The stand-ins, or the firmware's libraries in their place.
+    string(APPEND CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS
+        ", nyxconfig-pc-platform | libvelautil1, nyxconfig-pc-platform | libvelatrace1")
     string(APPEND CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS ", nyxconfig-pc-platform ${same_version}")
-    set(CPACK_COMPONENT_PLATFORM_DESCRIPTION "Stand-ins for the firmware's property store and trace on a PC, libvelautil and
-libvelatrace. Not for an instrument, whose firmware brings its own.")
+    set(CPACK_COMPONENT_PLATFORM_DESCRIPTION "Stand-ins for the firmware's property store and trace on a PC,
+libvelautil and libvelatrace. Not for an instrument, whose firmware brings its own.")
     set(CPACK_DEBIAN_PLATFORM_PACKAGE_NAME nyxconfig-pc-platform)
     set(CPACK_DEBIAN_PLATFORM_PACKAGE_SECTION libs)
     set(CPACK_DEBIAN_PLATFORM_PACKAGE_SHLIBDEPS ON)

@@ -11,5 +11,6 @@ int main()
     const QString caller = QString::fromLatin1("Unit::operation");
     const KvOrdo::CNyxConfig config;
     std::cout << KvOrdo::CHwTestUtilities::initTestOutput(group, QString::fromLatin1("Switch"), caller) << '\n';
-    std::cout << KvOrdo::CHwTestUtilities::initTestString(group, QString::fromLatin1("Text"), caller).toStdString() << '\n';
+    std::cout << KvOrdo::CHwTestUtilities::initTestString(group, QString::fromLatin1("Text"), caller).toStdString()
+              << '\n';
 }

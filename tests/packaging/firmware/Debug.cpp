@@ -13,10 +13,11 @@ bool Debug::isActive(moduleId module, int level, int channel)
     return true;
 }
 
-void Debug::println(moduleId module, int channel, const QString& text, int level, int number, const char* name, int last)
+void Debug::println(moduleId module, int channel, const QString& text, int level, int number, const char* name,
+                    int last)
 {
-    RecordCall("println %d %d \"%s\" %d %d %s %d", static_cast<int>(module), channel, text.toLatin1().constData(), level,
-               number, name == nullptr ? "null" : name, last);
+    RecordCall("println %d %d \"%s\" %d %d %s %d", static_cast<int>(module), channel, text.toLatin1().constData(),
+               level, number, name == nullptr ? "null" : name, last);
 }
 
 } // namespace KvOrdo
