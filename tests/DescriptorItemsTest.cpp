@@ -777,7 +777,7 @@ public:
     virtual ~OtherBase() = default;
 
 private:
-    long m_content = 0;
+    [[maybe_unused]] long m_content = 0;
 };
 
 class PartBehindAnotherBase : public OtherBase, public Counted<HwProgrammablePartDescItem>
