@@ -44,7 +44,8 @@ public:
     bool InsertFrom(const CElementNode& other, bool recursive) override;
 
     /// Appends a default-constructed entry and returns it.
-    T& CreateEntry();
+    // Not inline: its temporary entry must not lie on the stack of the recursive walks.
+    [[gnu::noinline]] T& CreateEntry();
 
 private:
     static bool UpdateEntry(T& entry, const T& source, bool& matched);
