@@ -11,6 +11,7 @@
 #include "Files.h"
 #include "ForeignLocale.h"
 #include "ItemDump.h"
+#include "OwningConfig.h"
 #include "ReferenceMd5.h"
 #include "TempFolder.h"
 #include "ThrownText.h"
@@ -191,16 +192,6 @@ public:
 
 private:
     int& m_deleted;
-};
-
-/// A facade whose items are deleted with it.
-class OwningConfig : public CNyxConfig
-{
-public:
-    OwningConfig() = default;
-    OwningConfig(const OwningConfig&) = delete;
-    OwningConfig& operator=(const OwningConfig&) = delete;
-    ~OwningConfig() override { DeleteItems(*this); }
 };
 
 /// Deletes the software data that a load has made: without BIOS and operating system it can not be saved.

@@ -162,8 +162,6 @@ protected:
     void AddAttributeNodes(const CElementLayout& layout);
 
 private:
-    friend class CXmlStreamReader;
-
     std::size_t AttributeCount() const;
     CReadOnlyAttribute* AttributeAt(std::size_t index) const;
     const CElementLayout* ExactLayout() const;

@@ -1,5 +1,6 @@
 #include "Comparators.h"
 
+#include "AttributeEquality.h"
 #include "DfpErrorHandler.h"
 
 #include <algorithm>
@@ -13,12 +14,6 @@ namespace KvDeviceFootprint
 
 namespace
 {
-
-/// Equal values, two empty ones included.
-bool AreEqual(const CReadOnlyAttribute& lhs, const CReadOnlyAttribute& rhs)
-{
-    return lhs.IsEqual(rhs, true);
-}
 
 /// A board's number in 32 bits on every machine.
 int BoardNumber(const CReadOnlyAttribute& attribute)

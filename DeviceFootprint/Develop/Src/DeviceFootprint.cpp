@@ -1,5 +1,6 @@
 #include "DeviceFootprint.h"
 
+#include "AttributeEquality.h"
 #include "Checksum.h"
 #include "Comparators.h"
 #include "DeviceFootprintLink.h"
@@ -12,7 +13,6 @@
 
 #include <algorithm>
 #include <exception>
-#include <iterator>
 #include <sstream>
 
 namespace KvDeviceFootprint
@@ -56,11 +56,6 @@ DFP_DEFINE_ELEMENT(CSoftwareData)
 
 namespace
 {
-
-bool AreEqual(const CReadOnlyAttribute& lhs, const CReadOnlyAttribute& rhs)
-{
-    return lhs.IsEqual(rhs, true);
-}
 
 /// The part number decides; where a side has none, the name.
 template<class T>

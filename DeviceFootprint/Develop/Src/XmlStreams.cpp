@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstring>
+#include <cwchar>
 #include <istream>
 #include <limits>
 #include <ostream>
