@@ -12,6 +12,7 @@
 #include <list>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace
 {
@@ -226,6 +227,28 @@ TYPED_TEST(EveryElementClass, SelfAssignmentChangesNothing)
     ExpectWhole(element, fresh, "self");
 }
 
+TYPED_TEST(EveryElementClass, MovingTakesTheContentAndLeavesTwoWholeElements)
+{
+    const TypeParam fresh;
+    TypeParam source;
+    Fill(source, L"a text too long to be held within");
+    const std::string content = Content(source);
+    const std::string saved = SaveText(source);
+    TypeParam made(std::move(source));
+    ExpectWhole(made, fresh, "made");
+    ExpectWhole(source, fresh, "moved from");
+    EXPECT_EQ(Content(made), content);
+    TypeParam target;
+    Fill(target, L"old");
+    EXPECT_EQ(&(target = std::move(made)), &target);
+    ExpectWhole(target, fresh, "assigned");
+    ExpectWhole(made, fresh, "assigned from");
+    EXPECT_EQ(SaveText(target), saved);
+    Fill(source, L"again");
+    Fill(made, L"again");
+    EXPECT_EQ(Content(source), Content(made)) << "both can be used on";
+}
+
 TYPED_TEST(EveryElementClass, AttributesAreFoundByName)
 {
     const TypeParam element;
@@ -245,6 +268,27 @@ TYPED_TEST(EveryElementClass, ClearEmptiesIt)
     EXPECT_EQ(element.IsEmpty(), Content(element).find('=') == std::string::npos);
     element.Clear();
     EXPECT_TRUE(element.IsEmpty());
+}
+
+TEST(ElementCopy, MovesTakeListsOutOfTheirOwnEntries)
+{
+    CSoftware software;
+    software.m_name = "outer";
+    software.m_pSoftwareList->CreateEntry().m_name = "inner";
+    software.m_pSoftwareList->front().m_pSoftwareList->CreateEntry().m_name = "innermost";
+    CSoftware copy(software);
+    software = std::move(software.m_pSoftwareList->front());
+    EXPECT_EQ(software.m_name.GetValue(), L"inner");
+    ASSERT_EQ(software.m_pSoftwareList->size(), 1U);
+    EXPECT_EQ(software.m_pSoftwareList->front().m_name.GetValue(), L"innermost");
+
+    CSoftwareList& list = *copy.m_pSoftwareList;
+    list = std::move(*list.front().m_pSoftwareList);
+    ASSERT_EQ(list.size(), 1U);
+    EXPECT_EQ(list.front().m_name.GetValue(), L"innermost");
+    const CSoftware* entry = &list.front();
+    CSoftwareList taken(std::move(list));
+    EXPECT_EQ(&taken.front(), entry) << "entries stay where they are";
 }
 
 TEST(ElementCopy, HandWrittenClassKeepsItsTableOverCopies)

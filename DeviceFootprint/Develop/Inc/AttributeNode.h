@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 namespace KvDeviceFootprint
 {
@@ -101,6 +102,11 @@ public:
     bool SetInteger(long value);
 
     CReadOnlyAttribute& operator=(const std::wstring& value);
+    CReadOnlyAttribute& operator=(std::wstring&& value)
+    {
+        m_value = std::move(value);
+        return *this;
+    }
     CReadOnlyAttribute& operator=(const std::string& value);
     /// A null pointer counts as the empty text.
     CReadOnlyAttribute& operator=(const char* value);

@@ -20,11 +20,14 @@
 
 #include "DeviceFootprint.h"
 
-#include <iterator>
+#include <algorithm>
+#include <functional>
 #include <map>
-#include <set>
 #include <string>
+#include <string_view>
 #include <type_traits>
+#include <typeinfo>
+#include <vector>
 
 namespace KvDeviceFootprint
 {
@@ -66,7 +69,18 @@ public:
     const CComparatorBase* Find(const std::string& elementName) const;
 
 private:
+    /// Short names first: their length alone tells most names apart.
+    struct CByLength
+    {
+        bool operator()(std::string_view lhs, std::string_view rhs) const
+        {
+            return lhs.size() != rhs.size() ? lhs.size() < rhs.size() : lhs < rhs;
+        }
+    };
+
     std::map<std::string, const CComparatorBase*> m_comparators;
+    // The same once more, as there is a search for every element of both trees. The keys are those above.
+    std::map<std::string_view, const CComparatorBase*, CByLength> m_index;
 };
 
 /// Fills a rule set.
@@ -104,11 +118,11 @@ public:
 
     bool operator()(const CElementNode& lhs, const CElementNode& rhs, const CComparatorRules& /*rules*/) const override
     {
-        const auto* left = dynamic_cast<const T*>(&lhs);
+        const T* left = Cast(lhs);
         if (left == nullptr) {
             ComparatorPreconditionFailed("the left element has the comparator's class");
         }
-        const auto* right = dynamic_cast<const T*>(&rhs);
+        const T* right = Cast(rhs);
         if (right == nullptr) {
             ComparatorPreconditionFailed("the right element has the comparator's class");
         }
@@ -122,6 +136,14 @@ public:
 
     /// Whether the elements' own attributes are the same. The children are compared by the walk.
     virtual bool CompareInternal(const T& lhs, const T& rhs) const = 0;
+
+private:
+    /// The element as a T, or null.
+    static const T* Cast(const CElementNode& element)
+    {
+        // Nearly always it is just a T, which is quick to see.
+        return &typeid(element) == &typeid(T) ? static_cast<const T*>(&element) : dynamic_cast<const T*>(&element);
+    }
 };
 
 /// The comparator of a list: pairs the entries of both sides by identity, whatever their order, and compares the pairs.
@@ -171,20 +193,28 @@ public:
         if (lhs.size() != rhs.size()) {
             return false;
         }
-        std::set<const T*> candidates;
+        std::vector<const T*> candidates; // null once taken
+        candidates.reserve(lhs.size());
         for (const T& entry : lhs) {
-            candidates.insert(&entry);
+            candidates.push_back(&entry);
         }
+        // Entries of one load mostly lie in memory as they follow each other.
+        if (!std::is_sorted(candidates.begin(), candidates.end(), std::less<>())) {
+            std::sort(candidates.begin(), candidates.end(), std::less<>());
+        }
+        auto free = candidates.begin();
         for (const T& entry : rhs) {
-            auto candidate = candidates.begin();
-            while (candidate != candidates.end() && !entry.IsSameEntity(**candidate)) {
-                ++candidate;
+            while (*free == nullptr) { // there are as many candidates as entries
+                ++free;
             }
+            const auto candidate = std::find_if(free, candidates.end(), [&entry](const T* partner) {
+                return partner != nullptr && entry.IsSameEntity(*partner);
+            });
             if (candidate == candidates.end()) {
                 return false;
             }
-            lookup.emplace(*candidate, &entry);
-            candidates.erase(candidate);
+            lookup.emplace_hint(lookup.end(), *candidate, &entry);
+            *candidate = nullptr;
         }
         return true;
     }

@@ -7,6 +7,7 @@
 #include <iostream>
 #include <list>
 #include <string>
+#include <utility>
 
 namespace KvDeviceFootprint
 {
@@ -22,6 +23,13 @@ template<class T>
 class CElementNodeList : public CElementNode, public std::list<T>
 {
 public:
+    CElementNodeList() = default;
+    CElementNodeList(const CElementNodeList& other) = default;
+    CElementNodeList(CElementNodeList&& other) = default;
+    CElementNodeList& operator=(const CElementNodeList& other) = default;
+    CElementNodeList& operator=(CElementNodeList&& other);
+    ~CElementNodeList() override = default;
+
     /// Empties @p children: entries are not children.
     void GetChildElements(std::list<CElementNode*>& children) const override { children.clear(); }
     void GetAttributeNodes(std::list<CReadOnlyAttribute*>& attributes) const override { attributes.clear(); }
@@ -53,6 +61,16 @@ private:
     bool LoadEntries(CXmlStreamReader& reader);
     bool InsertEntry(const T& source);
 };
+
+template<class T>
+CElementNodeList<T>& CElementNodeList<T>::operator=(CElementNodeList&& other)
+{
+    // The other list may lie in an entry of this one, so the old entries live until the end.
+    std::list<T> entries(std::move(other));
+    CElementNode::operator=(other);
+    this->swap(entries);
+    return *this;
+}
 
 template<class T>
 bool CElementNodeList<T>::IsEmpty() const
@@ -242,7 +260,9 @@ public:                                                                         
     static const std::string s_ElementName;                                                                            \
     Class();                                                                                                           \
     Class(const Class& other);                                                                                         \
+    [[maybe_unused]] Class(Class&& other);                                                                             \
     Class& operator=(const Class& other);                                                                              \
+    [[maybe_unused]] Class& operator=(Class&& other);                                                                  \
     ~Class() override;                                                                                                 \
     const std::string& GetElementName() const override;                                                                \
     void initAttributeNodes() override;
@@ -252,7 +272,9 @@ public:                                                                         
     const std::string Class::s_ElementName(Class::Tag);                                                                \
     Class::Class() = default;                                                                                          \
     Class::Class(const Class& other) = default;                                                                        \
+    Class::Class(Class&& other) = default;                                                                             \
     Class& Class::operator=(const Class& other) = default;                                                             \
+    Class& Class::operator=(Class&& other) = default;                                                                  \
     Class::~Class() = default;                                                                                         \
     void Class::initAttributeNodes() {}
 

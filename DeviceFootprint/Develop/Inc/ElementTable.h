@@ -63,6 +63,8 @@ public:
     /// Takes the element over and leaves a new, empty one behind.
     COwnedElement(COwnedElement&& other);
     COwnedElement& operator=(const COwnedElement& other);
+    /// Exchanges the elements.
+    COwnedElement& operator=(COwnedElement&& other);
     ~COwnedElement();
 
     T* get() const { return m_element.get(); }
@@ -163,12 +165,15 @@ private:                                                                        
         return __LINE__;                                                                                               \
     }
 
-/// Begins the table of an element class: its name and its tag.
+/// Begins the table of an element class: its name and its tag. Moving takes values and entries over and leaves an
+/// element that can be used on, with unspecified values.
 #define DFP_ELEMENT(Class, tag)                                                                                        \
 public:                                                                                                                \
     static constexpr const char* Tag = tag;                                                                            \
     static const std::string s_ElementName;                                                                            \
     const std::string& GetElementName() const override;                                                                \
+    [[maybe_unused]] Class(Class&& other);                                                                             \
+    [[maybe_unused]] Class& operator=(Class&& other);                                                                  \
     DFP_ELEMENT_MEMBERS(Class)
 
 /// Begins the table of a class that leaves the tag to the classes derived from it.
@@ -316,6 +321,13 @@ COwnedElement<T>& COwnedElement<T>::operator=(const COwnedElement& other)
 }
 
 template<class T>
+COwnedElement<T>& COwnedElement<T>::operator=(COwnedElement&& other)
+{
+    m_element.swap(other.m_element);
+    return *this;
+}
+
+template<class T>
 COwnedElement<T>::~COwnedElement() = default;
 
 } // namespace KvDeviceFootprint
@@ -351,7 +363,9 @@ COwnedElement<T>::~COwnedElement() = default;
 #define DFP_DEFINE_ELEMENT(Class)                                                                                      \
     Class::Class() = default;                                                                                          \
     Class::Class(const Class& other) = default;                                                                        \
+    Class::Class(Class&& other) = default;                                                                             \
     Class& Class::operator=(const Class& other) = default;                                                             \
+    Class& Class::operator=(Class&& other) = default;                                                                  \
     Class::~Class() = default;                                                                                         \
     DFP_DEFINE_ELEMENT_NAME(Class)                                                                                     \
     DFP_DEFINE_ELEMENT_TABLE(Class)

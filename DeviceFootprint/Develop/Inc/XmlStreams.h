@@ -158,7 +158,7 @@ public:
     void LeaveElement() { --m_depth; }
 
     /// Loads all attributes of an element that is just of the layout's class, as GetAttribute() of each would. False,
-    /// with nothing changed, if the token does not give them in the order of the layout.
+    /// with some of them loaded, if the token does not give them in the order of the layout.
     bool GetAttributes(CElementNode& element, const CElementLayout& layout);
 
 private:
@@ -177,6 +177,7 @@ private:
     bool ValidateToken();
     bool MayHold(const std::string& name) const;
     bool AreAttributesLocated();
+    bool FindAttributes(const char*& begin, const char*& end) const;
     bool LocateAttributes();
     bool FindAttribute(const std::string& name, Span& value);
     bool FindByText(const std::string& name, Span& value) const;
@@ -276,6 +277,8 @@ private:
     /// For a checksum stream of which the library knows that nobody else sees it: attributes go to @p sink instead.
     CXmlStreamWriter(CAbstractStream& output, const std::string& name, CTextSink& sink);
 
+    /// Whether no tag or layout is wanted, for a checksum that nobody else sees.
+    bool WritesValuesOnly() const { return m_sink != nullptr && m_isForChecksum; }
     void CloseStartTag();
     void WriteTag(const char* opening, std::size_t openingLength, const std::string& name);
     void PutAttribute(const std::string& name, const std::wstring& value);

@@ -4,6 +4,7 @@
 
 #include "CLocale.h"
 
+#include <charconv>
 #include <cstddef>
 #include <ctime>
 #include <cwchar>
@@ -78,9 +79,8 @@ bool CReadOnlyAttribute::SetBool(bool value)
 
 bool CReadOnlyAttribute::SetInteger(long value)
 {
-    wchar_t text[32];
-    std::swprintf(text, std::size(text), L"%ld", value);
-    m_value = text;
+    char text[32];
+    m_value.assign(text, std::to_chars(std::begin(text), std::end(text), value).ptr);
     return true;
 }
 
@@ -159,7 +159,12 @@ bool CReadOnlyAttribute::GetInteger(long& value) const
 
 bool CReadOnlyAttribute::EmptyGetError() const
 {
-    return CDeviceFootprint::SetLastError("Can not access empty attribute \"" + GetNodeName() + "\"!");
+    // Made in one piece: mappings read absent attributes by the thousand.
+    const std::string& name = GetNodeName();
+    std::string message;
+    message.reserve(name.size() + 40);
+    message.append("Can not access empty attribute \"").append(name).append("\"!");
+    return CDeviceFootprint::SetLastError(message);
 }
 
 bool CReadOnlyAttribute::IsEqual(const CReadOnlyAttribute& other, bool emptiesAreEqual) const

@@ -26,15 +26,16 @@ constexpr MD5_u32plus SineTable[64] = {
 
 constexpr unsigned Rotations[4][4] = {{7, 12, 17, 22}, {5, 9, 14, 20}, {4, 11, 16, 23}, {6, 10, 15, 21}};
 
+/// The functions F, G, H and I. Each step waits for x of the step before, so what does not need x stands apart.
 template<int Round>
 constexpr MD5_u32plus Mix(MD5_u32plus x, MD5_u32plus y, MD5_u32plus z)
 {
     if constexpr (Round == 0) {
         return z ^ (x & (y ^ z));
     } else if constexpr (Round == 1) {
-        return y ^ (z & (x ^ y));
+        return (y & ~z) + (x & z); // no bit is in both
     } else if constexpr (Round == 2) {
-        return x ^ y ^ z;
+        return x ^ (y ^ z);
     } else {
         return y ^ (x | ~z);
     }

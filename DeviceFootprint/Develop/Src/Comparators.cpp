@@ -89,11 +89,13 @@ void CComparatorRules::Add(const CComparatorBase* comparator)
         ComparatorPreconditionFailed("the added comparator is not null");
     }
     std::unique_ptr<const CComparatorBase> owned(comparator);
-    const CComparatorBase*& place = m_comparators[comparator->GetAssociatedNodeName()];
-    if (place != comparator) {
-        delete place;
+    const auto place = m_comparators.emplace(comparator->GetAssociatedNodeName(), nullptr).first;
+    const CComparatorBase*& indexed = m_index[place->first];
+    if (place->second != comparator) {
+        delete place->second;
     }
-    place = owned.release();
+    place->second = owned.release();
+    indexed = place->second;
 }
 
 void CComparatorRules::Clear()
@@ -101,13 +103,14 @@ void CComparatorRules::Clear()
     for (const auto& rule : m_comparators) {
         delete rule.second;
     }
+    m_index.clear();
     m_comparators.clear();
 }
 
 const CComparatorBase* CComparatorRules::Find(const std::string& elementName) const
 {
-    const auto rule = m_comparators.find(elementName);
-    return rule == m_comparators.end() ? nullptr : rule->second;
+    const auto rule = m_index.find(elementName);
+    return rule == m_index.end() ? nullptr : rule->second;
 }
 
 bool CDeviceDataComparator::CompareInternal(const CDeviceData& lhs, const CDeviceData& rhs) const
@@ -143,8 +146,8 @@ bool CHardwareListComparator::CompareInternal(const CElementNodeList<CHardware>&
             return false;
         }
         // Of two boards with one number the earlier one keeps it.
-        lhsIndex.emplace(BoardNumber(pair.first->m_id), index);
-        rhsIndex.emplace(BoardNumber(pair.second->m_id), index);
+        lhsIndex.emplace_hint(lhsIndex.end(), BoardNumber(pair.first->m_id), index);
+        rhsIndex.emplace_hint(rhsIndex.end(), BoardNumber(pair.second->m_id), index);
         if (!pair.first->Compare(*pair.second, rules)) {
             return false;
         }

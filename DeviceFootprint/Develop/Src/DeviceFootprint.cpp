@@ -162,6 +162,7 @@ const std::string CSoftware::Inactive("inactive");
 
 CSoftware::CSoftware() = default;
 CSoftware::CSoftware(const CSoftware& other) = default;
+CSoftware::CSoftware(CSoftware&& other) = default;
 CSoftware::~CSoftware() = default;
 
 CSoftware& CSoftware::operator=(const CSoftware& other)
@@ -173,6 +174,12 @@ CSoftware& CSoftware::operator=(const CSoftware& other)
         ElementTable::Rows<CSoftware>::Assign(*this, other);
     }
     return *this;
+}
+
+CSoftware& CSoftware::operator=(CSoftware&& other)
+{
+    // As the source may lie in here, there is nothing to gain.
+    return *this = static_cast<const CSoftware&>(other);
 }
 
 // The content of a document.

@@ -147,10 +147,12 @@ void CElementNode::GetAttributeNodes(std::list<CReadOnlyAttribute*>& attributes)
 
 bool CElementNode::Compare(const CElementNode& other, const CComparatorRules& rules) const
 {
-    if (GetElementName() != other.GetElementName()) {
+    const std::string& name = GetElementName();
+    const std::string& otherName = other.GetElementName();
+    if (&name != &otherName && name != otherName) {
         return false;
     }
-    const CComparatorBase* comparator = rules.Find(GetElementName());
+    const CComparatorBase* comparator = rules.Find(name);
     if (comparator != nullptr && !(*comparator)(*this, other, rules)) {
         return false;
     }

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <ios>
 
@@ -33,6 +34,21 @@ int Open(const std::string& fileName, int flags)
 
 } // namespace
 
+bool IsAscii(const char* begin, const char* end)
+{
+    constexpr std::uint64_t highBits = 0x8080808080808080U;
+    std::uint64_t seen = 0;
+    for (; end - begin >= 8; begin += 8) {
+        std::uint64_t bytes = 0;
+        std::memcpy(&bytes, begin, sizeof bytes);
+        seen |= bytes;
+    }
+    for (; begin != end; ++begin) {
+        seen |= static_cast<std::uint64_t>(static_cast<unsigned char>(*begin));
+    }
+    return (seen & highBits) == 0;
+}
+
 CFileDescriptor::~CFileDescriptor()
 {
     if (IsOpen()) {
@@ -40,14 +56,17 @@ CFileDescriptor::~CFileDescriptor()
     }
 }
 
-CReadBuffer::CReadBuffer(const std::string& fileName) : m_file(Open(fileName, O_RDONLY)), m_room(BufferSize) {}
+CReadBuffer::CReadBuffer(const std::string& fileName) : m_file(Open(fileName, O_RDONLY)), m_room(new char[BufferSize])
+{
+}
 
 /// Reads on behind what was consumed. False at the end of the file and on a failure.
 bool CReadBuffer::Fill()
 {
-    char* const room = m_room.data();
-    const ssize_t count = Uninterrupted([&] { return read(m_file.Get(), room, m_room.size()); });
+    char* const room = m_room.get();
+    const ssize_t count = Uninterrupted([&] { return read(m_file.Get(), room, BufferSize); });
     m_failed = count < 0;
+    m_isAscii = count > 0 && KvDeviceFootprint::IsAscii(room, room + count);
     setg(room, room, room + (count > 0 ? count : 0));
     return count > 0;
 }

@@ -4,10 +4,10 @@
 #include "TextSink.h"
 
 #include <istream>
+#include <memory>
 #include <ostream>
 #include <streambuf>
 #include <string>
-#include <vector>
 
 namespace KvDeviceFootprint
 {
@@ -28,6 +28,9 @@ private:
     int m_descriptor;
 };
 
+/// Whether all bytes are below 128.
+bool IsAscii(const char* begin, const char* end);
+
 /// A stream buffer that reads a file and can give it line by line without copying.
 class CReadBuffer : public std::streambuf
 {
@@ -47,6 +50,9 @@ public:
     /// @param storage holds a line that does not stand in the buffer in one piece.
     TLineResult ReadLine(std::string& storage, const char*& begin, const char*& end);
 
+    /// Whether all that the buffer holds is ASCII.
+    bool IsAscii() const { return m_isAscii; }
+
 protected:
     /// Throws on a read error, which makes a stream bad.
     int_type underflow() override;
@@ -55,8 +61,9 @@ private:
     bool Fill();
 
     CFileDescriptor m_file;
-    std::vector<char> m_room;
+    std::unique_ptr<char[]> m_room; // on the heap, and not filled with zeros first
     bool m_failed = false;
+    bool m_isAscii = false;
 };
 
 /// A file for reading, binary. Closed with this object.

@@ -201,6 +201,22 @@ const char* SkipName(const char* cursor, const char* end)
     return cursor;
 }
 
+/// Skips blanks and tabs. Indentation is blanks, many of them.
+const char* SkipBlanks(const char* cursor, const char* end)
+{
+    constexpr std::uint64_t eightBlanks = 0x2020202020202020U;
+    for (std::uint64_t bytes = eightBlanks; end - cursor >= 8; cursor += 8) {
+        std::memcpy(&bytes, cursor, sizeof bytes);
+        if (bytes != eightBlanks) {
+            break;
+        }
+    }
+    while (cursor != end && (*cursor == ' ' || *cursor == '\t')) {
+        ++cursor;
+    }
+    return cursor;
+}
+
 const char* FindQuote(const char* cursor, const char* end)
 {
     // Values are short: a loop beats a call.
@@ -210,19 +226,15 @@ const char* FindQuote(const char* cursor, const char* end)
     return cursor;
 }
 
-bool IsAscii(const char* begin, const char* end)
+/// Skips the opening ` name="` of an attribute; null if there is another text.
+const char* SkipOpening(const char* cursor, const char* end, const std::string& name)
 {
-    constexpr std::uint64_t highBits = 0x8080808080808080U;
-    std::uint64_t seen = 0;
-    for (; end - begin >= 8; begin += 8) {
-        std::uint64_t bytes = 0;
-        std::memcpy(&bytes, begin, sizeof bytes);
-        seen |= bytes;
+    if (static_cast<std::size_t>(end - cursor) < name.size() + 3 || cursor[name.size() + 1] != '=' || *cursor != ' ' ||
+        std::memcmp(cursor + 1, name.data(), name.size()) != 0) {
+        return nullptr;
     }
-    for (; begin != end; ++begin) {
-        seen |= static_cast<std::uint64_t>(static_cast<unsigned char>(*begin));
-    }
-    return (seen & highBits) == 0;
+    cursor += name.size() + 2;
+    return *cursor == '"' ? cursor + 1 : nullptr;
 }
 
 bool IsEqual(const char* begin, std::size_t length, const std::string& text)
@@ -316,9 +328,7 @@ bool CXmlStreamReader::NextToken()
         return true;
     }
     const char* const lineEnd = m_end;
-    while (m_begin != m_end && (*m_begin == ' ' || *m_begin == '\t')) {
-        ++m_begin;
-    }
+    m_begin = SkipBlanks(m_begin, m_end);
     if (m_begin == m_end) {
         // A line of blanks has no first character to start the token from. The exception is a part of the interface.
         throw std::out_of_range("CXmlStreamReader::NextToken: blank line");
@@ -344,10 +354,13 @@ bool CXmlStreamReader::ReadLine()
     bool read = false;
     m_begin = nullptr;
     m_end = nullptr;
+    m_isAscii = false;
     if (m_file != nullptr) {
         const CReadBuffer::TLineResult result = m_file->ReadLine(m_line, m_begin, m_end);
         read = result == CReadBuffer::eLine;
         failed = result == CReadBuffer::eFailure;
+        // A line in a piece of its own is made of two buffers' contents.
+        m_isAscii = m_file->IsAscii() && m_begin != m_line.data();
     } else {
         m_line.clear();
         std::getline(*m_input, m_line);
@@ -365,7 +378,7 @@ bool CXmlStreamReader::ReadLine()
 /// Tests that the token is UTF-8. If it is not, it becomes empty.
 bool CXmlStreamReader::ValidateToken()
 {
-    m_isAscii = IsAscii(m_begin, m_end);
+    m_isAscii = m_isAscii || IsAscii(m_begin, m_end);
     if (m_isAscii) {
         return true;
     }
@@ -429,16 +442,20 @@ bool CXmlStreamReader::GetAttribute(CReadOnlyAttribute& attribute)
 
 bool CXmlStreamReader::GetAttributes(CElementNode& element, const CElementLayout& layout)
 {
-    if (!AreAttributesLocated()) {
+    // One walk over both. An attribute that stands out of order, twice or is unknown is found by none of the layout's.
+    const char* cursor = nullptr;
+    const char* end = nullptr;
+    if (!FindAttributes(cursor, end)) {
         return false;
     }
-    // One walk over both. An attribute that stands out of order, twice or is unknown is found by none of the layout's.
     std::size_t next = 0;
-    for (const LocatedAttribute& located : m_attributes) {
+    while (cursor != end) {
         CReadOnlyAttribute* attribute = nullptr;
+        const char* value = nullptr;
         for (; attribute == nullptr && next < layout.AttributeCount(); ++next) {
             attribute = layout.AttributeAt(element, next);
-            if (!IsEqual(located.name.begin, located.name.length, attribute->m_name.Text())) {
+            value = SkipOpening(cursor, end, attribute->m_name.Text());
+            if (value == nullptr) {
                 attribute->m_value.clear();
                 attribute = nullptr;
             }
@@ -446,7 +463,12 @@ bool CXmlStreamReader::GetAttributes(CElementNode& element, const CElementLayout
         if (attribute == nullptr) {
             return false;
         }
-        DecodeValue(located.value, attribute->m_value);
+        const char* const quote = FindQuote(value, end);
+        if (quote == end) {
+            return false;
+        }
+        DecodeValue({value, static_cast<std::size_t>(quote - value)}, attribute->m_value);
+        cursor = quote + 1;
     }
     for (; next < layout.AttributeCount(); ++next) {
         layout.AttributeAt(element, next)->m_value.clear();
@@ -477,31 +499,38 @@ bool CXmlStreamReader::FindAttribute(const std::string& name, Span& value)
     return true;
 }
 
-/// Splits a start tag in the writer's own form into its attributes. A plain search could find a name inside a value
-/// that ends in ` name=`, and read wrong data back.
-bool CXmlStreamReader::LocateAttributes()
+/// Finds where the attributes of a start tag begin, behind the tag's name, and where they end. False if the token does
+/// not begin as one.
+bool CXmlStreamReader::FindAttributes(const char*& begin, const char*& end) const
 {
-    m_attributes.clear();
-    const char* end = m_end;
+    end = m_end;
     if (m_hasNoChildren) {
         end -= 2;
     } else if (end != m_begin && end[-1] == '>') {
         --end;
     }
-    const char* cursor = m_begin;
-    if (cursor == end || *cursor != '<') {
+    if (m_begin == end || *m_begin != '<') {
         return false;
     }
-    const char* begin = ++cursor;
-    cursor = SkipName(cursor, end);
-    if (cursor == begin) {
+    begin = SkipName(m_begin + 1, end);
+    return begin != m_begin + 1;
+}
+
+/// Splits a start tag in the writer's own form into its attributes. A plain search could find a name inside a value
+/// that ends in ` name=`, and read wrong data back.
+bool CXmlStreamReader::LocateAttributes()
+{
+    m_attributes.clear();
+    const char* cursor = nullptr;
+    const char* end = nullptr;
+    if (!FindAttributes(cursor, end)) {
         return false;
     }
     while (cursor != end) {
         if (*cursor != ' ') {
             return false;
         }
-        begin = ++cursor;
+        const char* const begin = ++cursor;
         cursor = SkipName(cursor, end);
         if (cursor == begin || end - cursor < 2 || cursor[0] != '=' || cursor[1] != '"') {
             return false;
@@ -696,7 +725,7 @@ void CXmlStreamWriter::CloseStartTag()
             m_output->WriteEndToken();
         }
         m_output->WriteNewLine();
-    } else if (!m_isForChecksum) {
+    } else {
         m_sink->Put(isEmpty ? "/>\n" : ">\n", isEmpty ? 3 : 2);
     }
 }
@@ -713,7 +742,7 @@ void CXmlStreamWriter::WriteTag(const char* opening, std::size_t openingLength, 
             m_output->WriteBeginEndToken();
         }
         m_output->WriteNonEmptyString(name);
-    } else if (!m_isForChecksum) {
+    } else {
         char* to = m_sink->Reserve(indentation + openingLength + name.size());
         to = std::fill_n(to, indentation, ' ');
         to = std::copy_n(opening, openingLength, to);
@@ -723,6 +752,10 @@ void CXmlStreamWriter::WriteTag(const char* opening, std::size_t openingLength, 
 
 bool CXmlStreamWriter::BeginElement(const std::string& name)
 {
+    if (WritesValuesOnly()) {
+        ++m_openCount;
+        return true;
+    }
     if (m_openCount > 0) {
         CloseStartTag();
     }
@@ -738,6 +771,10 @@ bool CXmlStreamWriter::BeginElement(const std::string& name)
 bool CXmlStreamWriter::EndElement()
 {
     if (m_openCount == 0) {
+        return true;
+    }
+    if (WritesValuesOnly()) {
+        --m_openCount;
         return true;
     }
     if (m_isStartTagOpen) {
@@ -781,20 +818,22 @@ bool CXmlStreamWriter::SetAttribute(const std::string& name, const std::wstring&
 void CXmlStreamWriter::PutAttribute(const std::string& name, const std::wstring& value)
 {
     constexpr std::size_t piece = 256;
-    char* to = m_sink->Reserve(name.size() + 3);
+    std::size_t length = std::min(piece, value.size());
+    char* to = m_sink->Reserve(name.size() + 4 + length * MaxEscapedLength);
     if (!m_isForChecksum) {
         *to++ = ' '; // layout; the checksum does not see it
     }
     to = std::copy(name.begin(), name.end(), to);
     *to++ = '=';
     *to++ = '"';
-    m_sink->Advance(to);
-    for (std::size_t begin = 0; begin < value.size(); begin += piece) {
-        const std::size_t length = std::min(piece, value.size() - begin);
-        to = m_sink->Reserve(length * MaxEscapedLength);
-        m_sink->Advance(PutEscaped(to, value.data() + begin, length));
+    to = PutEscaped(to, value.data(), length);
+    for (std::size_t begin = length; begin < value.size(); begin += length) {
+        m_sink->Advance(to);
+        length = std::min(piece, value.size() - begin);
+        to = PutEscaped(m_sink->Reserve(length * MaxEscapedLength + 1), value.data() + begin, length);
     }
-    m_sink->Put("\"", 1);
+    *to++ = '"';
+    m_sink->Advance(to);
 }
 
 bool CXmlStreamWriter::SetAttribute(const CReadOnlyAttribute& attribute)
