@@ -191,7 +191,7 @@ private:
 
     void printLastError() const;
     long revisionNumber(const std::wstring& part);
-    long serialNumber(const std::wstring& text, const std::wstring& label, bool throwOnError);
+    long serialNumber(const std::wstring& text, int count, int index, bool throwOnError);
     void addPartNumbers(std::wstring text, HwBoardDescItem& board);
     void fillCSoftware(KvDeviceFootprint::CSoftware& software, ISoftwareDescItem* item, const SoftwarePath* path,
                        bool throwOnError);

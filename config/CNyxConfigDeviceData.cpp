@@ -2,9 +2,11 @@
 
 #include "ErrorReport.h"
 #include "ItemOwner.h"
+#include "MappingHelpers.h"
 
 #include <iostream>
 #include <sstream>
+#include <utility>
 
 namespace KvOrdo
 {
@@ -14,14 +16,14 @@ using namespace KvDeviceFootprint;
 void CNyxConfig::fillDeviceDataFromFootprint(bool throwOnError)
 {
     CDeviceData& deviceData = m_devFp.m_deviceData;
-    const std::wstring deviceId = getCAttributeStrValue(deviceData.m_deviceId, throwOnError);
-    const std::wstring partChangeIndex = getCAttributeStrValue(deviceData.m_partChangeIndex, throwOnError);
-    const std::wstring partName = getCAttributeStrValue(deviceData.m_partName, throwOnError);
-    const std::wstring productDate = getCAttributeStrValue(deviceData.m_productDate, throwOnError);
-    const std::wstring type = getCAttributeStrValue(deviceData.m_type, throwOnError);
-    assertNotEmpty(deviceId, L"<DeviceData> deviceId", throwOnError);
-    assertValidPartChangeIndex(partChangeIndex, L"<DeviceData> partChangeIndex", throwOnError);
-    assertValidDate(productDate, L"<DeviceData> productDate", throwOnError);
+    const std::wstring& deviceId = TextOf(deviceData.m_deviceId);
+    const std::wstring& partChangeIndex = TextOf(deviceData.m_partChangeIndex);
+    const std::wstring& partName = TextOf(deviceData.m_partName);
+    const std::wstring& productDate = TextOf(deviceData.m_productDate);
+    const std::wstring& type = TextOf(deviceData.m_type);
+    CheckNotEmpty(*this, deviceId, L"<DeviceData> deviceId", throwOnError);
+    CheckPartChangeIndex(*this, partChangeIndex, L"<DeviceData> partChangeIndex", throwOnError);
+    CheckDate(*this, productDate, L"<DeviceData> productDate", throwOnError);
 
     // upgradeType and upgradePartNumber are not read: the item carries them for the application alone.
     CItemOwner<DeviceDataDescItem> item(new DeviceDataDescItem);
@@ -58,22 +60,22 @@ void CNyxConfig::fillDeviceDataIntoFootprint(bool throwOnError)
     if (m_deviceData == nullptr) {
         return;
     }
-    const std::wstring deviceId = m_deviceData->getDeviceId();
-    const std::wstring partChangeIndex = m_deviceData->getPartChangeIndex();
-    const std::wstring type = m_deviceData->getType();
-    const std::wstring partName = m_deviceData->getPartName();
-    const std::wstring productDate = m_deviceData->getProductDate();
-    assertNotEmpty(deviceId, L"deviceData->deviceId", throwOnError);
-    assertValidPartChangeIndex(partChangeIndex, L"deviceData->partChangeIndex", throwOnError);
-    assertNotEmpty(type, L"deviceData->type", throwOnError);
-    assertValidDate(productDate, L"deviceData->date", throwOnError);
+    std::wstring deviceId = m_deviceData->getDeviceId();
+    std::wstring partChangeIndex = m_deviceData->getPartChangeIndex();
+    std::wstring type = m_deviceData->getType();
+    std::wstring partName = m_deviceData->getPartName();
+    std::wstring productDate = m_deviceData->getProductDate();
+    CheckNotEmpty(*this, deviceId, L"deviceData->deviceId", throwOnError);
+    CheckPartChangeIndex(*this, partChangeIndex, L"deviceData->partChangeIndex", throwOnError);
+    CheckNotEmpty(*this, type, L"deviceData->type", throwOnError);
+    CheckDate(*this, productDate, L"deviceData->date", throwOnError);
 
     CDeviceData& deviceData = m_devFp.m_deviceData;
-    deviceData.m_deviceId = deviceId;
-    deviceData.m_partChangeIndex = partChangeIndex;
-    deviceData.m_type = type;
-    deviceData.m_partName = partName;
-    deviceData.m_productDate = productDate;
+    deviceData.m_deviceId = std::move(deviceId);
+    deviceData.m_partChangeIndex = std::move(partChangeIndex);
+    deviceData.m_type = std::move(type);
+    deviceData.m_partName = std::move(partName);
+    deviceData.m_productDate = std::move(productDate);
     deviceData.m_maintenanceData = fillCMaintenanceDataFromDescItem(m_deviceData->getMaintenanceData(), throwOnError);
     for (IServiceDescItem* service : m_deviceData->getServices()) {
         deviceData.m_serviceData.m_services.push_back(fillCServiceFromDescItem(service, throwOnError));
@@ -97,15 +99,15 @@ void CNyxConfig::fillDeviceDataIntoFootprint(bool throwOnError)
 
 CServiceDescItem* CNyxConfig::fillServiceFromFootprint(CService& service, bool throwOnError)
 {
-    const std::wstring serviceDate = getCAttributeStrValue(service.m_serviceDate, throwOnError);
-    const long serviceCode = getCAttributeLongValue(service.m_serviceCode, throwOnError);
+    const std::wstring& serviceDate = TextOf(service.m_serviceDate);
+    const long serviceCode = wStringToLong(TextOf(service.m_serviceCode), throwOnError);
     CItemOwner<CServiceDescItem> item(new CServiceDescItem);
     if (serviceCode == -1) {
         ReportError("CNyxConfig::fillServiceFromFootprint(): serviceCode must be set", throwOnError);
     } else {
         item->setServiceCode(serviceCode);
     }
-    assertValidDate(serviceDate, L"<Service> serviceDate", throwOnError);
+    CheckDate(*this, serviceDate, L"<Service> serviceDate", throwOnError);
     item->setServiceDate(serviceDate);
     return item.release();
 }
@@ -122,20 +124,20 @@ CService CNyxConfig::fillCServiceFromDescItem(IServiceDescItem* item, bool throw
         return service;
     }
     service.m_serviceCode = serviceCode;
-    const std::wstring serviceDate = item->getServiceDate();
-    assertValidDate(serviceDate, L"service->serviceDate", throwOnError);
-    service.m_serviceDate = serviceDate;
+    std::wstring serviceDate = item->getServiceDate();
+    CheckDate(*this, serviceDate, L"service->serviceDate", throwOnError);
+    service.m_serviceDate = std::move(serviceDate);
     return service;
 }
 
 CTestInstructionDescItem* CNyxConfig::fillTestInstructionFromFootprint(CTestInstruction& instruction, bool throwOnError)
 {
-    const std::wstring name = getCAttributeStrValue(instruction.m_name, throwOnError);
-    const std::wstring version = getCAttributeStrValue(instruction.m_version, throwOnError);
+    const std::wstring& name = TextOf(instruction.m_name);
+    const std::wstring& version = TextOf(instruction.m_version);
     CItemOwner<CTestInstructionDescItem> item(new CTestInstructionDescItem);
     item->setName(name);
     // The message says name, and the version is what is tested. An empty name passes here.
-    assertNotEmpty(version, L"<TestInstruction> name", throwOnError);
+    CheckNotEmpty(*this, version, L"<TestInstruction> name", throwOnError);
     item->setVersion(version);
     return item.release();
 }
@@ -146,21 +148,21 @@ CTestInstruction CNyxConfig::fillCTestInstructionFromDescItem(ITestInstructionDe
     if (item == nullptr) {
         return instruction;
     }
-    const std::wstring name = item->getName();
-    const std::wstring version = item->getVersion();
-    instruction.m_name = name;
-    assertNotEmpty(version, L"TestInstruction->version", throwOnError);
-    instruction.m_version = version;
+    std::wstring name = item->getName();
+    std::wstring version = item->getVersion();
+    instruction.m_name = std::move(name);
+    CheckNotEmpty(*this, version, L"TestInstruction->version", throwOnError);
+    instruction.m_version = std::move(version);
     return instruction;
 }
 
 MaintenanceTaskDescItem* CNyxConfig::fillMaintenanceTaskFromFootprint(CMaintenanceTask& task, bool throwOnError)
 {
-    const std::wstring name = getCAttributeStrValue(task.m_name, throwOnError);
-    const std::wstring done = getCAttributeStrValue(task.m_done, throwOnError);
-    const std::wstring result = getCAttributeStrValue(task.m_result, throwOnError);
+    const std::wstring& name = TextOf(task.m_name);
+    const std::wstring& done = TextOf(task.m_done);
+    const std::wstring& result = TextOf(task.m_result);
     CItemOwner<MaintenanceTaskDescItem> item(new MaintenanceTaskDescItem);
-    assertNotEmpty(name, L"<MaintenanceTask> name", throwOnError);
+    CheckNotEmpty(*this, name, L"<MaintenanceTask> name", throwOnError);
     item->setName(name);
     if (done != L"true" && done != L"false") {
         ReportError("CNyxConfig::fillMaintenanceTaskFromFootprint(): done is required and must be either true or false",
@@ -177,25 +179,25 @@ CMaintenanceTask CNyxConfig::fillCMaintenanceTaskFromDescItem(IMaintenanceTaskDe
     if (item == nullptr) {
         return task;
     }
-    const std::wstring name = item->getName();
-    const std::wstring done = item->getDone();
-    const std::wstring result = item->getResult();
-    assertNotEmpty(name, L"maintenanceTask->name", throwOnError);
-    task.m_name = name;
+    std::wstring name = item->getName();
+    std::wstring done = item->getDone();
+    std::wstring result = item->getResult();
+    CheckNotEmpty(*this, name, L"maintenanceTask->name", throwOnError);
+    task.m_name = std::move(name);
     // Not tested on this way: any text can be written, and all but "true" and "false" fail when they are read back.
-    task.m_done = done;
-    task.m_result = result;
+    task.m_done = std::move(done);
+    task.m_result = std::move(result);
     return task;
 }
 
 CMaintenanceDescItem* CNyxConfig::fillMaintenanceFromFootprint(CMaintenance& maintenance, bool throwOnError)
 {
-    const std::wstring responsiblePerson = getCAttributeStrValue(maintenance.m_responsiblePerson, throwOnError);
-    const std::wstring maintenanceDate = getCAttributeStrValue(maintenance.m_maintenanceDate, throwOnError);
-    const std::wstring generatedBy = getCAttributeStrValue(maintenance.m_generatedBy, throwOnError);
+    const std::wstring& responsiblePerson = TextOf(maintenance.m_responsiblePerson);
+    const std::wstring& maintenanceDate = TextOf(maintenance.m_maintenanceDate);
+    const std::wstring& generatedBy = TextOf(maintenance.m_generatedBy);
     CItemOwner<CMaintenanceDescItem> item(new CMaintenanceDescItem);
     item->setResponsiblePerson(responsiblePerson);
-    assertValidDate(maintenanceDate, L"<Maintenance> maintenanceDate", throwOnError);
+    CheckDate(*this, maintenanceDate, L"<Maintenance> maintenanceDate", throwOnError);
     item->setMaintenanceDate(maintenanceDate);
     item->setGeneratedBy(generatedBy);
     CItemOwners<MaintenanceTaskDescItem> tasks;
@@ -212,13 +214,13 @@ CMaintenance CNyxConfig::fillCMaintenanceFromDescItem(IMaintenanceDescItem* item
     if (item == nullptr) {
         return maintenance;
     }
-    const std::wstring responsiblePerson = item->getResponsiblePerson();
-    const std::wstring maintenanceDate = item->getMaintenanceDate();
-    const std::wstring generatedBy = item->getGeneratedBy();
-    maintenance.m_responsiblePerson = responsiblePerson;
-    assertValidDate(maintenanceDate, L"maintenance->maincenanceDate", throwOnError); // spelled so
-    maintenance.m_maintenanceDate = maintenanceDate;
-    maintenance.m_generatedBy = generatedBy;
+    std::wstring responsiblePerson = item->getResponsiblePerson();
+    std::wstring maintenanceDate = item->getMaintenanceDate();
+    std::wstring generatedBy = item->getGeneratedBy();
+    maintenance.m_responsiblePerson = std::move(responsiblePerson);
+    CheckDate(*this, maintenanceDate, L"maintenance->maincenanceDate", throwOnError); // spelled so
+    maintenance.m_maintenanceDate = std::move(maintenanceDate);
+    maintenance.m_generatedBy = std::move(generatedBy);
     for (IMaintenanceTaskDescItem* task : item->getMaintenanceTasks()) {
         maintenance.m_maintenanceTasks.push_back(fillCMaintenanceTaskFromDescItem(task, throwOnError));
     }
@@ -227,8 +229,8 @@ CMaintenance CNyxConfig::fillCMaintenanceFromDescItem(IMaintenanceDescItem* item
 
 CMaintenanceDataDescItem* CNyxConfig::fillMaintenanceDataFromFootprint(CMaintenanceData& data, bool throwOnError)
 {
-    const long operatingHours = getCAttributeLongValue(data.m_operatingHours, throwOnError);
-    const long makeAndBreakCycles = getCAttributeLongValue(data.m_makeAndBreakCycles, throwOnError);
+    const long operatingHours = wStringToLong(TextOf(data.m_operatingHours), throwOnError);
+    const long makeAndBreakCycles = wStringToLong(TextOf(data.m_makeAndBreakCycles), throwOnError);
     CItemOwner<CMaintenanceDataDescItem> item(new CMaintenanceDataDescItem);
     if (makeAndBreakCycles != -1) {
         item->setMakeAndBreakCycles(makeAndBreakCycles);

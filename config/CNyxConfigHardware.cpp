@@ -3,6 +3,8 @@
 #include "CLocale.h"
 #include "ErrorReport.h"
 #include "ItemOwner.h"
+#include "MappingHelpers.h"
+#include "PlainNumbers.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -10,6 +12,7 @@
 #include <iostream>
 #include <sstream>
 #include <unordered_map>
+#include <utility>
 
 namespace KvOrdo
 {
@@ -50,6 +53,9 @@ struct ParsedNumber
 ParsedNumber ParseNumber(const std::wstring& text)
 {
     ParsedNumber number = {0, 0, {}};
+    if (ReadPlainNumber(text, number.value)) {
+        return number;
+    }
     wchar_t* end = nullptr;
     errno = 0;
     number.value = wcstol_l(text.c_str(), &end, 10, CLocale());
@@ -61,6 +67,13 @@ ParsedNumber ParseNumber(const std::wstring& text)
 void RemoveBlanks(std::wstring& text)
 {
     text.erase(std::remove(text.begin(), text.end(), L' '), text.end());
+}
+
+/// How messages name a board. The count comes first, and the index counts from 0: the first of three boards reads
+/// "<Hardware 3 of 0".
+std::wstring BoardLabel(int count, int index)
+{
+    return L"<Hardware " + std::to_wstring(count) + L" of " + std::to_wstring(index);
 }
 
 /// The number after @p running of a board on path @p path. Unsigned, in which a number beyond the range wraps.
@@ -98,7 +111,7 @@ void CNyxConfig::fillHardwareDataFromFootprint(bool throwOnError)
     }
 }
 
-long CNyxConfig::serialNumber(const std::wstring& text, const std::wstring& label, bool throwOnError)
+long CNyxConfig::serialNumber(const std::wstring& text, int count, int index, bool throwOnError)
 {
     if (text.empty()) {
         return 0;
@@ -107,7 +120,7 @@ long CNyxConfig::serialNumber(const std::wstring& text, const std::wstring& labe
     m_conversionError = number.error;
     if (number.error != 0 || !number.rest.empty()) {
         std::wostringstream message;
-        message << label << L"> sn has invalid Syntax";
+        message << BoardLabel(count, index) << L"> sn has invalid Syntax";
         // The stream's address is what has always been printed here, not its text; readers of the output know it so.
         std::wcerr << static_cast<const void*>(&message) << std::endl;
         if (throwOnError) {
@@ -141,33 +154,35 @@ void CNyxConfig::addPartNumbers(std::wstring text, HwBoardDescItem& board)
 
 HwBoardDescItem* CNyxConfig::fillHwBoardFromFootprint(CHardware& hardware, int index, int count, bool throwOnError)
 {
-    // The count comes first, and the index counts from 0: the first of three boards reads "<Hardware 3 of 0".
-    const std::wstring label = L"<Hardware " + std::to_wstring(count) + L" of " + std::to_wstring(index);
+    const auto label = [=](const wchar_t* field) { return BoardLabel(count, index) + field; };
 
-    assertNotEmpty(getCAttributeStrValue(hardware.m_id, throwOnError), label + L"> id", throwOnError);
-    const long id = getCAttributeLongValue(hardware.m_id, throwOnError);
+    CheckNotEmpty(
+        *this, TextOf(hardware.m_id), [&] { return label(L"> id"); }, throwOnError);
+    const long id = wStringToLong(TextOf(hardware.m_id), throwOnError);
     std::wstring name;
     unsigned int variantOfName = 0; // not used
     unsigned int option = 0;
-    extractNamePathAndVariantOption(getCAttributeStrValue(hardware.m_name, throwOnError), name, variantOfName, option);
-    assertNotEmpty(name, label + L"> name", throwOnError);
-    const std::wstring partNumbers = getCAttributeStrValue(hardware.m_partNumber, throwOnError);
-    const long serial = serialNumber(getCAttributeStrValue(hardware.m_sn, throwOnError), label, throwOnError);
-    const std::wstring partChangeIndex = getCAttributeStrValue(hardware.m_partChangeIndex, throwOnError);
-    assertValidPartChangeIndex(partChangeIndex, label + L"> partChangeIndex", throwOnError);
+    extractNamePathAndVariantOption(TextOf(hardware.m_name), name, variantOfName, option);
+    CheckNotEmpty(
+        *this, name, [&] { return label(L"> name"); }, throwOnError);
+    const std::wstring& partNumbers = TextOf(hardware.m_partNumber);
+    const long serial = serialNumber(TextOf(hardware.m_sn), count, index, throwOnError);
+    const std::wstring& partChangeIndex = TextOf(hardware.m_partChangeIndex);
+    CheckPartChangeIndex(
+        *this, partChangeIndex, [&] { return label(L"> partChangeIndex"); }, throwOnError);
     // Without a point both parts are the whole text.
     const std::size_t point = partChangeIndex.find(L'.');
     const long majorRevision = revisionNumber(partChangeIndex.substr(0, point));
     const long minorRevision = revisionNumber(partChangeIndex.substr(point + 1));
-    const long hardwareCode = getCAttributeLongValue(hardware.m_hardwareCode, throwOnError);
+    const long hardwareCode = wStringToLong(TextOf(hardware.m_hardwareCode), throwOnError);
 
     CItemOwners<HwProgrammablePartDescItem> parts;
     for (CProgrammablePart& part : hardware.m_programmableParts) {
-        const std::wstring partName = getCAttributeStrValue(part.m_name, throwOnError);
-        const std::wstring version = getCAttributeStrValue(part.m_version, throwOnError);
-        const std::wstring partNumber = getCAttributeStrValue(part.m_partNumber, throwOnError);
-        const std::wstring changeIndex = getCAttributeStrValue(part.m_partChangeIndex, throwOnError);
-        assertValidPartChangeIndex(changeIndex, L"<ProgrammablePart> partChangeIndex", throwOnError);
+        const std::wstring& partName = TextOf(part.m_name);
+        const std::wstring& version = TextOf(part.m_version);
+        const std::wstring& partNumber = TextOf(part.m_partNumber);
+        const std::wstring& changeIndex = TextOf(part.m_partChangeIndex);
+        CheckPartChangeIndex(*this, changeIndex, L"<ProgrammablePart> partChangeIndex", throwOnError);
         parts.emplace_back(new HwProgrammablePartDescItem);
         parts.back()->setName(partName);
         parts.back()->setPartChangeIndex(changeIndex);
@@ -186,21 +201,21 @@ HwBoardDescItem* CNyxConfig::fillHwBoardFromFootprint(CHardware& hardware, int i
     board->setMajorRevision(majorRevision);
     board->setMinorRevision(minorRevision);
     board->setHwCode(hardwareCode);
-    board->setSlotInfo(getCAttributeStrValue(hardware.m_connectorName, throwOnError));
+    board->setSlotInfo(TextOf(hardware.m_connectorName));
     CItemOwner<CMaintenanceDataDescItem> maintenanceData(
         fillMaintenanceDataFromFootprint(hardware.m_maintenanceData, throwOnError));
-    const long productId = getCAttributeLongValue(hardware.m_productId, throwOnError);
+    const long productId = wStringToLong(TextOf(hardware.m_productId), throwOnError);
     if (productId != -1) {
         board->setProductId(productId);
     }
-    board->setProductDate(getCAttributeStrValue(hardware.m_productDate, throwOnError));
-    const long readCode = getCAttributeLongValue(hardware.m_readCode, throwOnError);
+    board->setProductDate(TextOf(hardware.m_productDate));
+    const long readCode = wStringToLong(TextOf(hardware.m_readCode), throwOnError);
     if (readCode != -1) {
         board->setReadCode(readCode);
     }
-    board->setTestInstruction(getCAttributeStrValue(hardware.m_testInstruction, throwOnError));
-    board->setPartName(getCAttributeStrValue(hardware.m_partName, throwOnError));
-    const long parentId = getCAttributeLongValue(hardware.m_parentId, throwOnError);
+    board->setTestInstruction(TextOf(hardware.m_testInstruction));
+    board->setPartName(TextOf(hardware.m_partName));
+    const long parentId = wStringToLong(TextOf(hardware.m_parentId), throwOnError);
     if (parentId != -1) {
         board->setParentId(parentId);
     }
@@ -213,12 +228,12 @@ HwBoardDescItem* CNyxConfig::fillHwBoardFromFootprint(CHardware& hardware, int i
 
     CBPartIdentification& identification = hardware.m_bPartIdentification;
     CItemOwner<CBPartIdentificationDescItem> bPart(new CBPartIdentificationDescItem);
-    bPart->setName(getCAttributeStrValue(identification.m_name, throwOnError));
-    bPart->setPartNumber(getCAttributeStrValue(identification.m_partNumber, throwOnError));
-    bPart->setSn(getCAttributeStrValue(identification.m_sn, throwOnError));
-    bPart->setPartChangeIndex(getCAttributeStrValue(identification.m_partChangeIndex, throwOnError));
-    bPart->setVendorName(getCAttributeStrValue(identification.m_vendorName, throwOnError));
-    bPart->setAdditionalInfo(getCAttributeStrValue(identification.m_additionalInfo, throwOnError));
+    bPart->setName(TextOf(identification.m_name));
+    bPart->setPartNumber(TextOf(identification.m_partNumber));
+    bPart->setSn(TextOf(identification.m_sn));
+    bPart->setPartChangeIndex(TextOf(identification.m_partChangeIndex));
+    bPart->setVendorName(TextOf(identification.m_vendorName));
+    bPart->setAdditionalInfo(TextOf(identification.m_additionalInfo));
 
     // Last, when nothing can fail any more: a board does not delete all that it is given.
     board->setProgrammableParts(Release<IHwProgrammablePartDescItem>(parts));
@@ -230,18 +245,18 @@ HwBoardDescItem* CNyxConfig::fillHwBoardFromFootprint(CHardware& hardware, int i
 
 CProductDescItem* CNyxConfig::fillProductFromFootprint(CProduct& product, bool throwOnError)
 {
-    const long id = getCAttributeLongValue(product.m_id, throwOnError);
+    const long id = wStringToLong(TextOf(product.m_id), throwOnError);
     if (id == -1) {
         WriteError(std::string("CNyxConfig::fillProductFromFootprint: <Product> id is required!"));
         if (throwOnError) {
             throw CNyxConfigException(std::string("CNyxConfig::fillProductFromFootprint: <Product> id is required"));
         }
     }
-    const std::wstring partNumber = getCAttributeStrValue(product.m_partNumber, throwOnError);
-    const std::wstring partChangeIndex = getCAttributeStrValue(product.m_partChangeIndex, throwOnError);
-    assertValidPartChangeIndex(partChangeIndex, L"<Product> partChangeIndex", throwOnError);
-    const std::wstring type = getCAttributeStrValue(product.m_type, throwOnError);
-    const std::wstring partName = getCAttributeStrValue(product.m_partName, throwOnError);
+    const std::wstring& partNumber = TextOf(product.m_partNumber);
+    const std::wstring& partChangeIndex = TextOf(product.m_partChangeIndex);
+    CheckPartChangeIndex(*this, partChangeIndex, L"<Product> partChangeIndex", throwOnError);
+    const std::wstring& type = TextOf(product.m_type);
+    const std::wstring& partName = TextOf(product.m_partName);
     CItemOwner<CProductDescItem> item(new CProductDescItem);
     item->setId(id);
     item->setPartNumber(partNumber);
@@ -273,7 +288,7 @@ void CNyxConfig::fillHardwareDataIntoFootprint(bool throwOnError)
     }
     CUniqueIds productIds("CNyxConfig::setHardwareData(): product->id must be unique");
     for (CProduct& product : products) {
-        productIds.Add(getCAttributeLongValue(product.m_id, throwOnError), throwOnError);
+        productIds.Add(wStringToLong(TextOf(product.m_id), throwOnError), throwOnError);
     }
 }
 
@@ -286,28 +301,28 @@ CHardware CNyxConfig::fillCHardwareFromDescItem(IHwBoardDescItem* item, bool thr
     const long id = item->getId();
     // Of a table of part numbers only the first is written.
     const long variant = item->getVariant(0, nullptr);
-    const std::wstring partNumber = parsePartNumber(item->getPartNumber(0, nullptr), variant, throwOnError);
+    std::wstring partNumber = parsePartNumber(item->getPartNumber(0, nullptr), variant, throwOnError);
     long serial = item->getSerialNumber();
     if (serial > 99999999) {
         serial /= 1000;
     }
     const long hardwareCode = item->getHwCode();
-    const std::wstring name = item->getName();
+    std::wstring name = item->getName();
     const long minorRevision = item->getMinorRevision();
     const long majorRevision = item->getMajorRevision();
-    const std::wstring partChangeIndex = parsePartChangeIndex(majorRevision, minorRevision, throwOnError);
-    const std::wstring slotInfo = item->getSlotInfo();
+    std::wstring partChangeIndex = parsePartChangeIndex(majorRevision, minorRevision, throwOnError);
+    std::wstring slotInfo = item->getSlotInfo();
     if (id == -1) {
         ReportError("CNyxConfig::fillCHardwareFromDescItem(): id must be set", throwOnError);
     } else {
         hardware.m_id = id;
-        hardware.m_partNumber = partNumber;
+        hardware.m_partNumber = std::move(partNumber);
         hardware.m_sn = serial;
         hardware.m_hardwareCode = hardwareCode;
-        hardware.m_name = name;
-        assertValidPartChangeIndex(partChangeIndex, L"hwBoardDescItem->partChangeIndex", throwOnError);
-        hardware.m_partChangeIndex = partChangeIndex;
-        hardware.m_connectorName = slotInfo;
+        hardware.m_name = std::move(name);
+        CheckPartChangeIndex(*this, partChangeIndex, L"hwBoardDescItem->partChangeIndex", throwOnError);
+        hardware.m_partChangeIndex = std::move(partChangeIndex);
+        hardware.m_connectorName = std::move(slotInfo);
     }
     const long productId = item->getProductId();
     if (productId >= 0 && intToWstring(productId).size() < 7) {
@@ -355,20 +370,20 @@ CProduct CNyxConfig::fillCProductFromDescItem(IProductDescItem* item, bool throw
         return product;
     }
     const long id = item->getId();
-    const std::wstring partNumber = item->getPartNumber();
-    const std::wstring partChangeIndex = item->getPartChangeIndex();
-    const std::wstring type = item->getType();
-    const std::wstring partName = item->getPartName();
+    std::wstring partNumber = item->getPartNumber();
+    std::wstring partChangeIndex = item->getPartChangeIndex();
+    std::wstring type = item->getType();
+    std::wstring partName = item->getPartName();
     if (id == -1) {
         ReportError("CNyxConfig::fillCProductFromDescItem(): id must be set", throwOnError);
         return product;
     }
     product.m_id = id;
-    product.m_partNumber = partNumber;
-    assertValidPartChangeIndex(partChangeIndex, L"product->partChangeIndex", throwOnError);
-    product.m_partChangeIndex = partChangeIndex;
-    product.m_type = type;
-    product.m_partName = partName;
+    product.m_partNumber = std::move(partNumber);
+    CheckPartChangeIndex(*this, partChangeIndex, L"product->partChangeIndex", throwOnError);
+    product.m_partChangeIndex = std::move(partChangeIndex);
+    product.m_type = std::move(type);
+    product.m_partName = std::move(partName);
     return product;
 }
 
@@ -378,15 +393,15 @@ CProgrammablePart CNyxConfig::fillCProgrammablePartFromDescItem(IHwProgrammableP
     if (item == nullptr) {
         return part;
     }
-    const std::wstring name = item->getName();
-    const std::wstring version = item->getVersion();
-    const std::wstring partNumber = item->getPartNumber();
-    const std::wstring partChangeIndex = item->getPartChangeIndex();
-    assertValidPartChangeIndex(partChangeIndex, L"programmablePart->partChangeIndex", throwOnError);
-    part.m_name = name;
-    part.m_version = version;
-    part.m_partNumber = partNumber;
-    part.m_partChangeIndex = partChangeIndex;
+    std::wstring name = item->getName();
+    std::wstring version = item->getVersion();
+    std::wstring partNumber = item->getPartNumber();
+    std::wstring partChangeIndex = item->getPartChangeIndex();
+    CheckPartChangeIndex(*this, partChangeIndex, L"programmablePart->partChangeIndex", throwOnError);
+    part.m_name = std::move(name);
+    part.m_version = std::move(version);
+    part.m_partNumber = std::move(partNumber);
+    part.m_partChangeIndex = std::move(partChangeIndex);
     return part;
 }
 

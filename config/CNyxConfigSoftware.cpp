@@ -2,6 +2,7 @@
 
 #include "ErrorReport.h"
 #include "ItemOwner.h"
+#include "MappingHelpers.h"
 #include "XmlStreams.h"
 
 namespace KvOrdo
@@ -57,14 +58,14 @@ std::list<ISoftwareDescItem*> CNyxConfig::fillSoftwareListFromFootprint(CSoftwar
     for (CSoftware& entry : software) {
         items.emplace_back(new SoftwareDescItem);
         SoftwareDescItem& item = *items.back();
-        item.setName(getCAttributeStrValue(entry.m_name, throwOnError));
-        item.setVersion(getCAttributeStrValue(entry.m_version, throwOnError));
-        item.setStatus(getCAttributeStrValue(entry.m_status, throwOnError));
-        item.setPartNumber(getCAttributeStrValue(entry.m_partNumber, throwOnError));
-        item.setPartChangeIndex(getCAttributeStrValue(entry.m_partChangeIndex, throwOnError));
-        assertValidPartChangeIndex(item.getPartChangeIndex(), L"<Software> partChangeIndex", throwOnError);
-        item.setSerialNumber(getCAttributeStrValue(entry.m_sn, throwOnError));
-        item.setVendorName(getCAttributeStrValue(entry.m_vendorName, throwOnError));
+        item.setName(TextOf(entry.m_name));
+        item.setVersion(TextOf(entry.m_version));
+        item.setStatus(TextOf(entry.m_status));
+        item.setPartNumber(TextOf(entry.m_partNumber));
+        item.setPartChangeIndex(TextOf(entry.m_partChangeIndex));
+        CheckPartChangeIndex(*this, item.getPartChangeIndex(), L"<Software> partChangeIndex", throwOnError);
+        item.setSerialNumber(TextOf(entry.m_sn));
+        item.setVendorName(TextOf(entry.m_vendorName));
         if (!entry.m_pSoftwareList->empty()) {
             item.setSoftwareItems(fillSoftwareListFromFootprint(*entry.m_pSoftwareList, throwOnError));
         }
@@ -117,12 +118,12 @@ void CNyxConfig::fillCSoftware(CSoftware& software, ISoftwareDescItem* item, con
         ReportError("CNyxConfig::fillCSoftwareFromDescItem(): software items are nested too deeply", throwOnError);
         return;
     }
-    assertNotEmpty(item->getName(), L"software->name", throwOnError);
+    CheckNotEmpty(*this, item->getName(), L"software->name", throwOnError);
     software.m_name = item->getName();
     software.m_version = item->getVersion();
     software.m_status = item->getStatus();
     software.m_partNumber = item->getPartNumber();
-    assertValidPartChangeIndex(item->getPartChangeIndex(), L"software->partChangeIndex", throwOnError);
+    CheckPartChangeIndex(*this, item->getPartChangeIndex(), L"software->partChangeIndex", throwOnError);
     software.m_partChangeIndex = item->getPartChangeIndex();
     software.m_sn = item->getSerialNumber();
     software.m_vendorName = item->getVendorName();

@@ -1,12 +1,12 @@
 #include "CNyxConfig.h"
 
 #include "ErrorReport.h"
+#include "PlainNumbers.h"
 
 #include <QString>
 
 #include <algorithm>
-#include <cwchar>
-#include <iterator>
+#include <cstddef>
 #include <locale>
 #include <sstream>
 
@@ -17,11 +17,12 @@ namespace
 {
 
 /// Whether the text has the shape of the pattern, in which 'd' stands for an ASCII digit and all else for itself.
-bool HasShape(const std::wstring& text, const std::wstring& pattern)
+template<std::size_t Size>
+bool HasShape(const std::wstring& text, const wchar_t (&pattern)[Size])
 {
-    return text.size() == pattern.size() &&
-           std::equal(text.begin(), text.end(), pattern.begin(), [](wchar_t character, wchar_t expected) {
-               return expected == L'd' ? character >= L'0' && character <= L'9' : character == expected;
+    return text.size() == Size - 1 &&
+           std::equal(text.begin(), text.end(), pattern, [](wchar_t character, wchar_t expected) {
+               return expected == L'd' ? IsDigit(character) : character == expected;
            });
 }
 
@@ -54,16 +55,13 @@ bool PassChecks(const NumberCheck (&checks)[Count], bool throwOnError)
     return true;
 }
 
-template<class... Numbers>
-std::wstring Format(const wchar_t* format, Numbers... numbers)
-{
-    wchar_t text[64];
-    std::swprintf(text, std::size(text), format, numbers...);
-    return text;
-}
-
 bool ToUnsigned(const std::wstring& text, unsigned int& number)
 {
+    long plain = 0;
+    if (ReadPlainNumber(text, plain)) {
+        number = static_cast<unsigned int>(plain);
+        return true;
+    }
     bool ok = false;
     const unsigned int value = QString::fromStdWString(text).toUInt(&ok, 10);
     if (ok) {
@@ -119,7 +117,7 @@ std::wstring CNyxConfig::parsePartNumber(long partNumber, long variant, bool thr
     if (!PassChecks(checks, throwOnError)) {
         return {};
     }
-    return Format(L"%04li.%04li.%02li", partNumber / 10000, partNumber % 10000, variant);
+    return PointedNumber({{partNumber / 10000, 4}, {partNumber % 10000, 4}, {variant, 2}});
 }
 
 std::wstring CNyxConfig::parsePartChangeIndex(long majorRevision, long minorRevision, bool throwOnError)
@@ -134,7 +132,7 @@ std::wstring CNyxConfig::parsePartChangeIndex(long majorRevision, long minorRevi
     if (!PassChecks(checks, throwOnError)) {
         return {};
     }
-    return Format(L"%02li.%02li", majorRevision, minorRevision);
+    return PointedNumber({{majorRevision, 2}, {minorRevision, 2}});
 }
 
 long CNyxConfig::wStringToLong(const std::wstring& text, bool throwOnError)
@@ -142,9 +140,12 @@ long CNyxConfig::wStringToLong(const std::wstring& text, bool throwOnError)
     if (text.empty()) {
         return -1;
     }
+    long number = 0;
+    if (ReadPlainNumber(text, number)) {
+        return number;
+    }
     std::wistringstream stream(text);
     stream.imbue(std::locale::classic());
-    long number = 0;
     stream >> number;
     if (!stream.fail() && stream.eof()) {
         return number;

@@ -1,5 +1,7 @@
 #include "HwBoardDescItem.h"
 
+#include "PlainNumbers.h"
+
 #include <QMutex>
 #include <QMutexLocker>
 #include <QString>
@@ -18,6 +20,8 @@ namespace
 
 constexpr int NoEntry = -1;
 constexpr long GroupOfFour = 10000;
+constexpr long FullFirstGroup = 1000 * GroupOfFour; // from here on there is nothing to pad
+constexpr long BeyondFirstGroup = GroupOfFour * GroupOfFour;
 constexpr unsigned long LargestRefusedPartNumber = 10000;
 constexpr unsigned int LargestVariant = 99;
 constexpr std::uint32_t IdsPerPath = 1000;
@@ -38,6 +42,10 @@ void releaseStorage(Interface* item)
 /// The text of an entry: two groups of four digits and a variant of two, the first group padded with blanks.
 std::wstring entryText(long partNumber, unsigned int variant)
 {
+    if (partNumber >= FullFirstGroup && partNumber < BeyondFirstGroup && variant <= LargestVariant) {
+        return PointedNumber(
+            {{partNumber / GroupOfFour, 4}, {partNumber % GroupOfFour, 4}, {static_cast<long>(variant), 2}});
+    }
     wchar_t text[64]; // the three longest numbers of 64 bits, their signs and two points fit
     const int length = std::swprintf(text, sizeof(text) / sizeof(text[0]), L"%4ld.%04ld.%02u", partNumber / GroupOfFour,
                                      partNumber % GroupOfFour, variant);
@@ -47,6 +55,11 @@ std::wstring entryText(long partNumber, unsigned int variant)
 /// Converts decimal text as QString::toInt does: 32 bits on every platform, whatever the width of long.
 int toInt(const std::wstring& text, bool& ok)
 {
+    long plain = 0;
+    if (ReadPlainNumber(text, plain)) {
+        ok = true;
+        return static_cast<int>(plain);
+    }
     return QString::fromWCharArray(text.data(), static_cast<int>(text.size())).toInt(&ok, 10);
 }
 
