@@ -21,12 +21,14 @@
 #include "DeviceFootprint.h"
 
 #include <algorithm>
+#include <array>
 #include <functional>
 #include <map>
 #include <string>
 #include <string_view>
 #include <type_traits>
 #include <typeinfo>
+#include <unordered_map>
 #include <vector>
 
 namespace KvDeviceFootprint
@@ -69,18 +71,18 @@ public:
     const CComparatorBase* Find(const std::string& elementName) const;
 
 private:
-    /// Short names first: their length alone tells most names apart.
-    struct CByLength
+    /// Tells names apart by what is quick to see: their length, and their last character.
+    struct CQuickHash
     {
-        bool operator()(std::string_view lhs, std::string_view rhs) const
+        std::size_t operator()(std::string_view name) const
         {
-            return lhs.size() != rhs.size() ? lhs.size() < rhs.size() : lhs < rhs;
+            return name.empty() ? 0 : name.size() + 32 * static_cast<std::size_t>(name.back());
         }
     };
 
     std::map<std::string, const CComparatorBase*> m_comparators;
     // The same once more, as there is a search for every element of both trees. The keys are those above.
-    std::map<std::string_view, const CComparatorBase*, CByLength> m_index;
+    std::unordered_map<std::string_view, const CComparatorBase*, CQuickHash> m_index;
 };
 
 /// Fills a rule set.
@@ -193,24 +195,22 @@ public:
         if (lhs.size() != rhs.size()) {
             return false;
         }
-        std::vector<const T*> candidates; // null once taken
-        candidates.reserve(lhs.size());
-        for (const T& entry : lhs) {
-            candidates.push_back(&entry);
-        }
+        // The candidates, null once they are taken. Most lists are short.
+        std::array<const T*, 8> few = {};
+        std::vector<const T*> many(lhs.size() > few.size() ? lhs.size() : 0);
+        const T** free = many.empty() ? few.data() : many.data();
+        const T** const end = std::transform(lhs.begin(), lhs.end(), free, [](const T& entry) { return &entry; });
         // Entries of one load mostly lie in memory as they follow each other.
-        if (!std::is_sorted(candidates.begin(), candidates.end(), std::less<>())) {
-            std::sort(candidates.begin(), candidates.end(), std::less<>());
+        if (!std::is_sorted(free, end, std::less<>())) {
+            std::sort(free, end, std::less<>());
         }
-        auto free = candidates.begin();
         for (const T& entry : rhs) {
             while (*free == nullptr) { // there are as many candidates as entries
                 ++free;
             }
-            const auto candidate = std::find_if(free, candidates.end(), [&entry](const T* partner) {
-                return partner != nullptr && entry.IsSameEntity(*partner);
-            });
-            if (candidate == candidates.end()) {
+            const T** const candidate = std::find_if(
+                free, end, [&entry](const T* partner) { return partner != nullptr && entry.IsSameEntity(*partner); });
+            if (candidate == end) {
                 return false;
             }
             lookup.emplace_hint(lookup.end(), *candidate, &entry);
@@ -226,6 +226,15 @@ class CListComparatorTyped : public CComparatorTyped<CElementNodeList<T>>
 {
 public:
     const std::string& GetAssociatedNodeName() const override { return L::s_ElementName; }
+
+    bool operator()(const CElementNode& lhs, const CElementNode& rhs, const CComparatorRules& rules) const override
+    {
+        // Nearly always both are just an L, which is quicker to see than that they are lists of T.
+        if (&typeid(lhs) == &typeid(L) && &typeid(rhs) == &typeid(L)) {
+            return this->CompareInternal(static_cast<const L&>(lhs), static_cast<const L&>(rhs), rules);
+        }
+        return CComparatorTyped<CElementNodeList<T>>::operator()(lhs, rhs, rules);
+    }
 };
 
 /// A rule that asks for nothing but the same entity.

@@ -177,11 +177,11 @@ private:
     bool ValidateToken();
     bool MayHold(const std::string& name) const;
     bool AreAttributesLocated();
-    bool FindAttributes(const char*& begin, const char*& end) const;
+    bool FindAttributes(const std::string& expected, const char*& begin, const char*& end) const;
     bool LocateAttributes();
     bool FindAttribute(const std::string& name, Span& value);
     bool FindByText(const std::string& name, Span& value) const;
-    void DecodeValue(const Span& span, std::wstring& value) const;
+    void DecodeValue(const Span& span, bool hasReference, std::wstring& value) const;
 
     std::istream* m_input;
     CReadBuffer* m_file; // what the input reads from, if it is a file that the library opened

@@ -49,16 +49,23 @@ constexpr std::size_t BlockWord(std::size_t step)
     return (step * factor[Round] + offset[Round]) % 16;
 }
 
+MD5_u32plus WordAt(const unsigned char* bytes)
+{
+    return static_cast<MD5_u32plus>(bytes[0]) | (static_cast<MD5_u32plus>(bytes[1]) << 8) |
+           (static_cast<MD5_u32plus>(bytes[2]) << 16) | (static_cast<MD5_u32plus>(bytes[3]) << 24);
+}
+
 template<int Round, std::size_t Step>
-void DoStep(MD5_u32plus& a, MD5_u32plus b, MD5_u32plus c, MD5_u32plus d, const MD5_u32plus* block)
+void DoStep(MD5_u32plus& a, MD5_u32plus b, MD5_u32plus c, MD5_u32plus d, const unsigned char* block)
 {
     constexpr unsigned rotation = Rotations[Round][Step % 4];
-    a += Mix<Round>(b, c, d) + block[BlockWord<Round>(Step)] + SineTable[static_cast<std::size_t>(Round) * 16 + Step];
+    a += Mix<Round>(b, c, d) + WordAt(block + 4 * BlockWord<Round>(Step)) +
+         SineTable[static_cast<std::size_t>(Round) * 16 + Step];
     a = b + ((a << rotation) | (a >> (32 - rotation)));
 }
 
 template<int Round, std::size_t Step>
-void DoFourSteps(MD5_u32plus& a, MD5_u32plus& b, MD5_u32plus& c, MD5_u32plus& d, const MD5_u32plus* block)
+void DoFourSteps(MD5_u32plus& a, MD5_u32plus& b, MD5_u32plus& c, MD5_u32plus& d, const unsigned char* block)
 {
     DoStep<Round, Step>(a, b, c, d, block);
     DoStep<Round, Step + 1>(d, a, b, c, block);
@@ -67,18 +74,12 @@ void DoFourSteps(MD5_u32plus& a, MD5_u32plus& b, MD5_u32plus& c, MD5_u32plus& d,
 }
 
 template<int Round>
-void DoRound(MD5_u32plus& a, MD5_u32plus& b, MD5_u32plus& c, MD5_u32plus& d, const MD5_u32plus* block)
+void DoRound(MD5_u32plus& a, MD5_u32plus& b, MD5_u32plus& c, MD5_u32plus& d, const unsigned char* block)
 {
     DoFourSteps<Round, 0>(a, b, c, d, block);
     DoFourSteps<Round, 4>(a, b, c, d, block);
     DoFourSteps<Round, 8>(a, b, c, d, block);
     DoFourSteps<Round, 12>(a, b, c, d, block);
-}
-
-MD5_u32plus WordAt(const unsigned char* bytes)
-{
-    return static_cast<MD5_u32plus>(bytes[0]) | (static_cast<MD5_u32plus>(bytes[1]) << 8) |
-           (static_cast<MD5_u32plus>(bytes[2]) << 16) | (static_cast<MD5_u32plus>(bytes[3]) << 24);
 }
 
 void PutWord(MD5_u32plus word, unsigned char* bytes)
@@ -90,17 +91,14 @@ void PutWord(MD5_u32plus word, unsigned char* bytes)
 
 void Transform(MD5_CTX& context, const unsigned char* bytes)
 {
-    for (std::size_t i = 0; i < context.block.size(); ++i) {
-        context.block[i] = WordAt(bytes + 4 * i);
-    }
     MD5_u32plus a = context.chain[0];
     MD5_u32plus b = context.chain[1];
     MD5_u32plus c = context.chain[2];
     MD5_u32plus d = context.chain[3];
-    DoRound<0>(a, b, c, d, context.block.data());
-    DoRound<1>(a, b, c, d, context.block.data());
-    DoRound<2>(a, b, c, d, context.block.data());
-    DoRound<3>(a, b, c, d, context.block.data());
+    DoRound<0>(a, b, c, d, bytes);
+    DoRound<1>(a, b, c, d, bytes);
+    DoRound<2>(a, b, c, d, bytes);
+    DoRound<3>(a, b, c, d, bytes);
     context.chain[0] += a;
     context.chain[1] += b;
     context.chain[2] += c;

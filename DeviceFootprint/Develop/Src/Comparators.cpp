@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <limits>
 #include <memory>
+#include <vector>
 
 namespace KvDeviceFootprint
 {
@@ -32,7 +33,36 @@ void ReportUnresolvedParent(int parentId)
 }
 
 /// From the number of a board to the index of the pair in which it stands.
-using CBoardIndex = std::map<int, unsigned>;
+class CBoardIndex
+{
+public:
+    explicit CBoardIndex(std::size_t count) { m_boards.reserve(count); }
+
+    void Add(int number, unsigned pair) { m_boards.push_back({number, pair}); }
+    /// Ends the adding. Of two boards with one number the earlier one is found.
+    void Sort()
+    {
+        if (!std::is_sorted(m_boards.begin(), m_boards.end(), IsBelow)) {
+            std::stable_sort(m_boards.begin(), m_boards.end(), IsBelow);
+        }
+    }
+    /// The index of the pair, or null.
+    const unsigned* Find(int number) const
+    {
+        const auto found = std::lower_bound(m_boards.begin(), m_boards.end(), Board{number, 0}, IsBelow);
+        return found == m_boards.end() || found->number != number ? nullptr : &found->pair;
+    }
+
+private:
+    struct Board
+    {
+        int number;
+        unsigned pair;
+    };
+    static bool IsBelow(const Board& lhs, const Board& rhs) { return lhs.number < rhs.number; }
+
+    std::vector<Board> m_boards;
+};
 
 /// Whether the parents of the two boards of a pair are the two boards of a pair.
 bool HaveSameParent(const CHardware& lhs, const CHardware& rhs, const CBoardIndex& lhsIndex,
@@ -43,12 +73,12 @@ bool HaveSameParent(const CHardware& lhs, const CHardware& rhs, const CBoardInde
     }
     const int lhsParentId = BoardNumber(lhs.m_parentId);
     const int rhsParentId = BoardNumber(rhs.m_parentId);
-    const auto lhsParent = lhsIndex.find(lhsParentId);
-    const auto rhsParent = rhsIndex.find(rhsParentId);
-    const bool lhsFound = lhsParent != lhsIndex.end();
-    const bool rhsFound = rhsParent != rhsIndex.end();
+    const unsigned* lhsParent = lhsIndex.Find(lhsParentId);
+    const unsigned* rhsParent = rhsIndex.Find(rhsParentId);
+    const bool lhsFound = lhsParent != nullptr;
+    const bool rhsFound = rhsParent != nullptr;
     if (lhsFound && rhsFound) {
-        return lhsParent->second == rhsParent->second;
+        return *lhsParent == *rhsParent;
     }
     if (!lhsFound) {
         ReportUnresolvedParent(lhsParentId);
@@ -138,21 +168,22 @@ bool CHardwareListComparator::CompareInternal(const CElementNodeList<CHardware>&
     if (!CreateLookup(lhs, rhs, lookup)) {
         return false;
     }
-    CBoardIndex lhsIndex;
-    CBoardIndex rhsIndex;
+    CBoardIndex lhsIndex(lookup.size());
+    CBoardIndex rhsIndex(lookup.size());
     unsigned index = 0;
     for (const auto& pair : lookup) {
         if (pair.first->m_id.IsEmpty() || pair.second->m_id.IsEmpty()) {
             return false;
         }
-        // Of two boards with one number the earlier one keeps it.
-        lhsIndex.emplace_hint(lhsIndex.end(), BoardNumber(pair.first->m_id), index);
-        rhsIndex.emplace_hint(rhsIndex.end(), BoardNumber(pair.second->m_id), index);
+        lhsIndex.Add(BoardNumber(pair.first->m_id), index);
+        rhsIndex.Add(BoardNumber(pair.second->m_id), index);
         if (!pair.first->Compare(*pair.second, rules)) {
             return false;
         }
         ++index;
     }
+    lhsIndex.Sort();
+    rhsIndex.Sort();
     return std::all_of(lookup.begin(), lookup.end(),
                        [&](const auto& pair) { return HaveSameParent(*pair.first, *pair.second, lhsIndex, rhsIndex); });
 }

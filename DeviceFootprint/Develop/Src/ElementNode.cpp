@@ -212,8 +212,8 @@ bool CElementNode::SaveLaidOutContent(CXmlStreamWriter& writer, const CElementLa
 {
     const bool isSorted = writer.IsForChecksum();
     for (std::size_t i = 0; i < layout.AttributeCount(); ++i) {
-        const std::size_t index = isSorted ? layout.SortedAttributes()[i] : i;
-        if (!writer.SetAttribute(*layout.AttributeAt(*this, index))) {
+        const CReadOnlyAttribute& attribute = *layout.AttributeAt(*this, isSorted ? layout.SortedAttributes()[i] : i);
+        if (!attribute.IsEmpty() && !writer.SetAttribute(attribute)) {
             return false;
         }
     }

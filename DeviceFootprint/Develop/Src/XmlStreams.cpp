@@ -11,6 +11,7 @@
 #include <cstring>
 #include <cwchar>
 #include <istream>
+#include <iterator>
 #include <limits>
 #include <ostream>
 #include <stdexcept>
@@ -33,7 +34,7 @@ bool IsNoUnicodeCharacter(std::uint32_t value)
 constexpr std::size_t MaxEscapedLength = 13;
 
 /// Whether a value's character stays as it is in a file: printable as by iswprint in the "C" locale, ASCII, no entity.
-bool IsPlain(wchar_t character)
+constexpr bool IsPlain(wchar_t character)
 {
     if (character < 0x20 || character > 0x7E) {
         return false;
@@ -53,13 +54,13 @@ bool IsPlain(wchar_t character)
 /// IsPlain() for all that is ASCII.
 struct PlainTable
 {
-    PlainTable()
+    constexpr PlainTable()
     {
-        for (std::size_t i = 0; i < isPlain.size(); ++i) {
+        for (std::size_t i = 0; i < std::size(isPlain); ++i) {
             isPlain[i] = IsPlain(static_cast<wchar_t>(i));
         }
     }
-    std::array<bool, 128> isPlain = {};
+    bool isPlain[128] = {};
 };
 
 /// Writes what a value's character becomes in a file: itself, an entity or a decimal reference.
@@ -93,9 +94,9 @@ char* PutEscaped(char* to, wchar_t character)
 /// The same for a whole text; @p to has room for MaxEscapedLength times its length.
 char* PutEscaped(char* to, const wchar_t* text, std::size_t length)
 {
-    static const PlainTable table;
+    static constexpr PlainTable table;
     for (const wchar_t* const end = text + length; text != end; ++text) {
-        if (static_cast<std::uint32_t>(*text) < table.isPlain.size() &&
+        if (static_cast<std::uint32_t>(*text) < std::size(table.isPlain) &&
             table.isPlain[static_cast<std::size_t>(*text)]) {
             *to++ = static_cast<char>(*text);
         } else {
@@ -120,14 +121,15 @@ int DigitValue(wchar_t character)
 }
 
 /// Reads the digits of a reference, modulo 2^32. False if there is none or anything else among them.
-bool ReadNumber(const wchar_t* begin, const wchar_t* end, int base, wchar_t& character)
+template<class Char>
+bool ReadNumber(const Char* begin, const Char* end, int base, wchar_t& character)
 {
     if (begin >= end) {
         return false;
     }
     std::uint32_t number = 0;
-    for (const wchar_t* digit = begin; digit != end; ++digit) {
-        const int value = DigitValue(*digit);
+    for (const Char* digit = begin; digit != end; ++digit) {
+        const int value = DigitValue(static_cast<wchar_t>(*digit));
         if (value >= base) {
             return false;
         }
@@ -138,45 +140,49 @@ bool ReadNumber(const wchar_t* begin, const wchar_t* end, int base, wchar_t& cha
 }
 
 /// The character for which the reference from "&" to ";" stands. False if it stands for none and stays as it is.
-bool ResolveReference(const wchar_t* begin, const wchar_t* end, wchar_t& character)
+template<class Char>
+bool ResolveReference(const Char* begin, const Char* end, wchar_t& character)
 {
     const auto length = static_cast<std::size_t>(end - begin);
+    if (length >= 4 && begin[1] == Char('#')) {
+        return begin[2] == Char('x') ? ReadNumber(begin + 3, end - 1, 16, character)
+                                     : ReadNumber(begin + 2, end - 1, 10, character);
+    }
     for (const XmlEntity& entity : s_XmlEntities) {
-        if (std::wcslen(entity.text) == length && std::equal(begin, end, entity.text)) {
+        // The second and third characters tell all entities apart, and no text behind them ends early.
+        if (length >= 4 && begin[1] == static_cast<Char>(entity.text[1]) && std::wcslen(entity.text) == length &&
+            std::equal(begin, end, entity.text,
+                       [](Char lhs, wchar_t rhs) { return static_cast<wchar_t>(lhs) == rhs; })) {
             character = entity.character;
             return true;
         }
     }
-    if (length < 4 || begin[1] != L'#') {
-        return false;
-    }
-    return begin[2] == L'x' ? ReadNumber(begin + 3, end - 1, 16, character)
-                            : ReadNumber(begin + 2, end - 1, 10, character);
+    return false;
 }
 
-/// Replaces the references in a value, in place. What replaces one is not looked at again.
-void FromXML(std::wstring& text)
+/// Writes a value without its references. What replaces one is not looked at again.
+/// @param to has room for as many characters; may be where the text begins.
+/// @return behind the last character written.
+template<class Char>
+wchar_t* FromXML(const Char* text, const Char* end, wchar_t* to)
 {
-    std::size_t reference = text.find(L'&');
-    std::size_t end = reference;
-    std::size_t read = 0;
-    std::size_t write = 0;
-    while (reference != std::wstring::npos) {
-        if (end <= reference) {
-            end = text.find(L';', reference);
+    const Char* semicolon = text;
+    while (text != end) {
+        if (*text != Char('&') || semicolon == end) {
+            *to++ = static_cast<wchar_t>(*text++);
+            continue;
         }
-        if (end == std::wstring::npos) {
-            break;
+        if (semicolon <= text) {
+            semicolon = std::find(text, end, Char(';'));
+            if (semicolon == end) {
+                continue; // no reference ends any more
+            }
         }
-        wchar_t* const data = &text[0];
-        std::copy(data + read, data + reference, data + write);
-        write += reference - read;
         wchar_t character = L'&';
-        read = ResolveReference(data + reference, data + end + 1, character) ? end + 1 : reference + 1;
-        text[write++] = character;
-        reference = text.find(L'&', read);
+        text = ResolveReference(text, semicolon + 1, character) ? semicolon + 1 : text + 1;
+        *to++ = character;
     }
-    text.erase(write, read - write);
+    return to;
 }
 
 /// The bytes that a name as the writer gives it may hold.
@@ -226,11 +232,65 @@ const char* FindQuote(const char* cursor, const char* end)
     return cursor;
 }
 
+/// A machine word with the highest bit of each byte set that equals the one looked for, up to the first such byte;
+/// those above it say nothing.
+template<unsigned char Byte>
+std::size_t MarkBytes(std::size_t word)
+{
+    constexpr std::size_t ones = std::numeric_limits<std::size_t>::max() / 0xFF;
+    word ^= ones * Byte; // zero where it is equal
+    return (word - ones) & ~word & (ones * 0x80);
+}
+
+/// The same, and whether there is an "&" before the quote.
+const char* FindQuote(const char* cursor, const char* end, bool& hasReference)
+{
+    bool found = false;
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    for (std::size_t word = 0; static_cast<std::size_t>(end - cursor) >= sizeof word; cursor += sizeof word) {
+        std::memcpy(&word, cursor, sizeof word);
+        const std::size_t quotes = MarkBytes<'"'>(word);
+        const std::size_t references = MarkBytes<'&'>(word);
+        if (quotes != 0) {
+            const std::size_t before = (quotes & (~quotes + 1)) - 1;
+            hasReference = found || (references & before) != 0;
+            return cursor + __builtin_ctzll(quotes) / 8;
+        }
+        found |= references != 0;
+    }
+#endif
+    for (; cursor != end && *cursor != '"'; ++cursor) {
+        found |= *cursor == '&';
+    }
+    hasReference = found;
+    return cursor;
+}
+
+/// std::memcmp() tells more than is asked here, at the price of a call.
+bool IsSame(const char* lhs, const char* rhs, std::size_t count)
+{
+    for (; count >= 8; count -= 8, lhs += 8, rhs += 8) {
+        std::uint64_t left = 0;
+        std::uint64_t right = 0;
+        std::memcpy(&left, lhs, sizeof left);
+        std::memcpy(&right, rhs, sizeof right);
+        if (left != right) {
+            return false;
+        }
+    }
+    for (; count > 0; --count) {
+        if (*lhs++ != *rhs++) {
+            return false;
+        }
+    }
+    return true;
+}
+
 /// Skips the opening ` name="` of an attribute; null if there is another text.
 const char* SkipOpening(const char* cursor, const char* end, const std::string& name)
 {
     if (static_cast<std::size_t>(end - cursor) < name.size() + 3 || cursor[name.size() + 1] != '=' || *cursor != ' ' ||
-        std::memcmp(cursor + 1, name.data(), name.size()) != 0) {
+        !IsSame(cursor + 1, name.data(), name.size())) {
         return nullptr;
     }
     cursor += name.size() + 2;
@@ -239,12 +299,12 @@ const char* SkipOpening(const char* cursor, const char* end, const std::string& 
 
 bool IsEqual(const char* begin, std::size_t length, const std::string& text)
 {
-    return length == text.size() && std::memcmp(begin, text.data(), length) == 0;
+    return length == text.size() && IsSame(begin, text.data(), length);
 }
 
 bool StartsWith(const char* begin, const char* end, const std::string& text)
 {
-    return static_cast<std::size_t>(end - begin) >= text.size() && std::memcmp(begin, text.data(), text.size()) == 0;
+    return static_cast<std::size_t>(end - begin) >= text.size() && IsSame(begin, text.data(), text.size());
 }
 
 } // namespace
@@ -430,7 +490,7 @@ bool CXmlStreamReader::GetAttribute(const std::string& name, std::wstring& value
     value.clear();
     Span span = {nullptr, 0};
     if (MayHold(name) && FindAttribute(name, span)) {
-        DecodeValue(span, value);
+        DecodeValue(span, std::memchr(span.begin, '&', span.length) != nullptr, value);
     }
     return true;
 }
@@ -445,7 +505,7 @@ bool CXmlStreamReader::GetAttributes(CElementNode& element, const CElementLayout
     // One walk over both. An attribute that stands out of order, twice or is unknown is found by none of the layout's.
     const char* cursor = nullptr;
     const char* end = nullptr;
-    if (!FindAttributes(cursor, end)) {
+    if (!FindAttributes(element.GetElementName(), cursor, end)) {
         return false;
     }
     std::size_t next = 0;
@@ -463,11 +523,12 @@ bool CXmlStreamReader::GetAttributes(CElementNode& element, const CElementLayout
         if (attribute == nullptr) {
             return false;
         }
-        const char* const quote = FindQuote(value, end);
+        bool hasReference = false;
+        const char* const quote = FindQuote(value, end, hasReference);
         if (quote == end) {
             return false;
         }
-        DecodeValue({value, static_cast<std::size_t>(quote - value)}, attribute->m_value);
+        DecodeValue({value, static_cast<std::size_t>(quote - value)}, hasReference, attribute->m_value);
         cursor = quote + 1;
     }
     for (; next < layout.AttributeCount(); ++next) {
@@ -501,7 +562,8 @@ bool CXmlStreamReader::FindAttribute(const std::string& name, Span& value)
 
 /// Finds where the attributes of a start tag begin, behind the tag's name, and where they end. False if the token does
 /// not begin as one.
-bool CXmlStreamReader::FindAttributes(const char*& begin, const char*& end) const
+/// @param expected what the name is nearly always; any other will do as well.
+bool CXmlStreamReader::FindAttributes(const std::string& expected, const char*& begin, const char*& end) const
 {
     end = m_end;
     if (m_hasNoChildren) {
@@ -512,7 +574,11 @@ bool CXmlStreamReader::FindAttributes(const char*& begin, const char*& end) cons
     if (m_begin == end || *m_begin != '<') {
         return false;
     }
-    begin = SkipName(m_begin + 1, end);
+    begin = m_begin + 1;
+    if (StartsWith(begin, end, expected)) {
+        begin += expected.size();
+    }
+    begin = SkipName(begin, end);
     return begin != m_begin + 1;
 }
 
@@ -523,7 +589,7 @@ bool CXmlStreamReader::LocateAttributes()
     m_attributes.clear();
     const char* cursor = nullptr;
     const char* end = nullptr;
-    if (!FindAttributes(cursor, end)) {
+    if (!FindAttributes(std::string(), cursor, end)) {
         return false;
     }
     while (cursor != end) {
@@ -559,17 +625,25 @@ bool CXmlStreamReader::FindByText(const std::string& name, Span& value) const
     return true;
 }
 
-void CXmlStreamReader::DecodeValue(const Span& span, std::wstring& value) const
+void CXmlStreamReader::DecodeValue(const Span& span, bool hasReference, std::wstring& value) const
 {
-    if (m_isAscii) {
-        // Made new: growing it would fill it first.
-        value = std::wstring(span.begin, span.begin + span.length);
-    } else {
+    const char* const end = span.begin + span.length;
+    if (!m_isAscii) {
         value.clear();
         GetStringFromUTF8(std::string(span.begin, span.length), value);
-    }
-    if (span.length > 0 && std::memchr(span.begin, '&', span.length) != nullptr) {
-        FromXML(value);
+        if (hasReference) {
+            value.resize(static_cast<std::size_t>(FromXML(value.data(), value.data() + value.size(), value.data()) -
+                                                  value.data()));
+        }
+    } else if (!hasReference) {
+        // Made new: growing it would fill it first.
+        value = std::wstring(span.begin, end);
+    } else if (std::array<wchar_t, 256> room; span.length <= room.size()) {
+        value.assign(room.data(), FromXML(span.begin, end, room.data()));
+    } else {
+        value.resize(span.length);
+        value.resize(static_cast<std::size_t>(FromXML(span.begin, end, value.data()) - value.data()));
+        value.shrink_to_fit();
     }
 }
 
@@ -823,7 +897,9 @@ void CXmlStreamWriter::PutAttribute(const std::string& name, const std::wstring&
     if (!m_isForChecksum) {
         *to++ = ' '; // layout; the checksum does not see it
     }
-    to = std::copy(name.begin(), name.end(), to);
+    for (const char character : name) { // a few bytes: quicker than a call
+        *to++ = character;
+    }
     *to++ = '=';
     *to++ = '"';
     to = PutEscaped(to, value.data(), length);
@@ -838,7 +914,14 @@ void CXmlStreamWriter::PutAttribute(const std::string& name, const std::wstring&
 
 bool CXmlStreamWriter::SetAttribute(const CReadOnlyAttribute& attribute)
 {
-    return attribute.IsEmpty() || SetAttribute(attribute.GetNodeName(), attribute.GetValue());
+    if (attribute.IsEmpty()) {
+        return true;
+    }
+    if (m_sink != nullptr) {
+        PutAttribute(attribute.GetNodeName(), attribute.GetValue());
+        return true;
+    }
+    return SetAttribute(attribute.GetNodeName(), attribute.GetValue());
 }
 
 bool CXmlStreamWriter::AddListEntry(const std::string& line, bool first, bool last)
