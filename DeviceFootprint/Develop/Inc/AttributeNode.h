@@ -3,6 +3,8 @@
 
 #include "nyxconfig_export.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -55,14 +57,29 @@ public:
     /// @param text zero-terminated; a null pointer counts as the empty text.
     explicit CNodeName(const char* text);
 
-    const std::string& Text() const { return *m_text; }
+    const std::string& Text() const { return m_entry->text; }
 
-    /// Equal texts share one string, so this is a comparison of texts.
-    bool operator==(const CNodeName& other) const { return m_text == other.m_text; }
-    bool operator!=(const CNodeName& other) const { return m_text != other.m_text; }
+    /// Equal texts share one entry, so this is a comparison of texts.
+    bool operator==(const CNodeName& other) const { return m_entry == other.m_entry; }
+    bool operator!=(const CNodeName& other) const { return m_entry != other.m_entry; }
 
 private:
-    const std::string* m_text;
+    friend class CXmlStreamReader;
+    friend class CXmlStreamWriter;
+
+    struct Entry
+    {
+        explicit Entry(const char* name);
+
+        std::string text;
+        /// What stands before the attribute's value in a file, ` name="`. Of one size for all names, so that it can be
+        /// copied without a look at its length.
+        std::array<char, 32> opening;
+        std::size_t openingLength; ///< 0 for a name that is too long
+    };
+    static const Entry* SharedEntry(const char* text);
+
+    const Entry* m_entry;
 };
 
 /**
@@ -135,6 +152,7 @@ public:
 private:
     friend class CElementLayout;   // compares names by identity
     friend class CXmlStreamReader; // decodes straight into the value
+    friend class CXmlStreamWriter; // takes the name's opening
 
     CNodeName m_name;
     std::wstring m_value;

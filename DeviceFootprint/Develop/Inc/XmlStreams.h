@@ -29,6 +29,7 @@ namespace KvDeviceFootprint
 
 class CElementLayout;
 class CElementNode;
+class CNodeName;
 class CReadBuffer;
 class CReadOnlyAttribute;
 class CTextSink;
@@ -179,6 +180,7 @@ private:
     bool AreAttributesLocated();
     bool FindAttributes(const std::string& expected, const char*& begin, const char*& end) const;
     bool LocateAttributes();
+    static const char* SkipOpening(const char* cursor, const char* end, const CNodeName& name);
     bool FindAttribute(const std::string& name, Span& value);
     bool FindByText(const std::string& name, Span& value) const;
     void DecodeValue(const Span& span, bool hasReference, std::wstring& value) const;
@@ -282,6 +284,8 @@ private:
     void CloseStartTag();
     void WriteTag(const char* opening, std::size_t openingLength, const std::string& name);
     void PutAttribute(const std::string& name, const std::wstring& value);
+    void PutAttribute(const CNodeName& name, const std::wstring& value);
+    void PutValue(char* to, const std::wstring& value);
 
     static constexpr std::size_t IndentationStep = 2;
 

@@ -4,28 +4,20 @@
 
 #include "CLocale.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <ctime>
 #include <cwchar>
 #include <iterator>
+#include <map>
 #include <mutex>
-#include <set>
 
 namespace KvDeviceFootprint
 {
 
 namespace
 {
-
-/// The one copy of each attribute name. Never freed: objects of static storage may outlive any order of destruction.
-const std::string* SharedName(const char* text)
-{
-    static std::mutex lock;
-    static auto& names = *new std::set<std::string>;
-    const std::lock_guard<std::mutex> guard(lock);
-    return &*names.emplace(text == nullptr ? "" : text).first;
-}
 
 std::string TwoDigits(int number)
 {
@@ -52,7 +44,26 @@ std::wstring WidenText(const std::string& text)
     return wide;
 }
 
-CNodeName::CNodeName(const char* text) : m_text(SharedName(text)) {}
+CNodeName::Entry::Entry(const char* name) : text(name), opening(), openingLength(0)
+{
+    const std::string whole = " " + text + "=\"";
+    if (whole.size() <= opening.size()) {
+        std::copy(whole.begin(), whole.end(), opening.begin());
+        openingLength = whole.size();
+    }
+}
+
+/// The one entry of each name. Never freed: objects of static storage may outlive any order of destruction.
+const CNodeName::Entry* CNodeName::SharedEntry(const char* text)
+{
+    static std::mutex lock;
+    static auto& entries = *new std::map<std::string, Entry>;
+    const std::lock_guard<std::mutex> guard(lock);
+    const std::string name(text == nullptr ? "" : text);
+    return &entries.try_emplace(name, name.c_str()).first->second;
+}
+
+CNodeName::CNodeName(const char* text) : m_entry(SharedEntry(text)) {}
 
 const std::string& CReadOnlyAttribute::GetNodeName() const
 {

@@ -149,10 +149,12 @@ bool ResolveReference(const Char* begin, const Char* end, wchar_t& character)
                                      : ReadNumber(begin + 2, end - 1, 10, character);
     }
     for (const XmlEntity& entity : s_XmlEntities) {
-        // The second and third characters tell all entities apart, and no text behind them ends early.
-        if (length >= 4 && begin[1] == static_cast<Char>(entity.text[1]) && std::wcslen(entity.text) == length &&
-            std::equal(begin, end, entity.text,
-                       [](Char lhs, wchar_t rhs) { return static_cast<wchar_t>(lhs) == rhs; })) {
+        // No entity begins another one, so a text that agrees up to the length of this one is this one.
+        std::size_t same = 0;
+        while (same < length && static_cast<wchar_t>(begin[same]) == entity.text[same]) {
+            ++same;
+        }
+        if (same == length && entity.text[same] == L'\0') {
             character = entity.character;
             return true;
         }
@@ -167,22 +169,21 @@ template<class Char>
 wchar_t* FromXML(const Char* text, const Char* end, wchar_t* to)
 {
     const Char* semicolon = text;
-    while (text != end) {
-        if (*text != Char('&') || semicolon == end) {
+    for (;;) {
+        while (text != end && *text != Char('&')) {
             *to++ = static_cast<wchar_t>(*text++);
-            continue;
         }
         if (semicolon <= text) {
             semicolon = std::find(text, end, Char(';'));
-            if (semicolon == end) {
-                continue; // no reference ends any more
-            }
+        }
+        if (semicolon == end) {
+            break; // no reference ends any more
         }
         wchar_t character = L'&';
         text = ResolveReference(text, semicolon + 1, character) ? semicolon + 1 : text + 1;
         *to++ = character;
     }
-    return to;
+    return std::transform(text, end, to, [](Char character) { return static_cast<wchar_t>(character); });
 }
 
 /// The bytes that a name as the writer gives it may hold.
@@ -266,35 +267,31 @@ const char* FindQuote(const char* cursor, const char* end, bool& hasReference)
     return cursor;
 }
 
-/// std::memcmp() tells more than is asked here, at the price of a call.
-bool IsSame(const char* lhs, const char* rhs, std::size_t count)
+template<class Word>
+bool IsSameWord(const char* lhs, const char* rhs)
 {
-    for (; count >= 8; count -= 8, lhs += 8, rhs += 8) {
-        std::uint64_t left = 0;
-        std::uint64_t right = 0;
-        std::memcpy(&left, lhs, sizeof left);
-        std::memcpy(&right, rhs, sizeof right);
-        if (left != right) {
-            return false;
-        }
-    }
-    for (; count > 0; --count) {
-        if (*lhs++ != *rhs++) {
-            return false;
-        }
-    }
-    return true;
+    Word left = 0;
+    Word right = 0;
+    std::memcpy(&left, lhs, sizeof left);
+    std::memcpy(&right, rhs, sizeof right);
+    return left == right;
 }
 
-/// Skips the opening ` name="` of an attribute; null if there is another text.
-const char* SkipOpening(const char* cursor, const char* end, const std::string& name)
+/// std::memcmp() tells more than is asked here, at the price of a call. The last words may overlap those before.
+bool IsSame(const char* lhs, const char* rhs, std::size_t count)
 {
-    if (static_cast<std::size_t>(end - cursor) < name.size() + 3 || cursor[name.size() + 1] != '=' || *cursor != ' ' ||
-        !IsSame(cursor + 1, name.data(), name.size())) {
-        return nullptr;
+    if (count >= 8) {
+        for (std::size_t i = 0; i + 8 < count; i += 8) {
+            if (!IsSameWord<std::uint64_t>(lhs + i, rhs + i)) {
+                return false;
+            }
+        }
+        return IsSameWord<std::uint64_t>(lhs + count - 8, rhs + count - 8);
     }
-    cursor += name.size() + 2;
-    return *cursor == '"' ? cursor + 1 : nullptr;
+    if (count >= 4) {
+        return IsSameWord<std::uint32_t>(lhs, rhs) && IsSameWord<std::uint32_t>(lhs + count - 4, rhs + count - 4);
+    }
+    return std::equal(lhs, lhs + count, rhs);
 }
 
 bool IsEqual(const char* begin, std::size_t length, const std::string& text)
@@ -500,6 +497,17 @@ bool CXmlStreamReader::GetAttribute(CReadOnlyAttribute& attribute)
     return GetAttribute(attribute.GetNodeName(), attribute.m_value);
 }
 
+/// Skips the opening ` name="` of an attribute; null if there is another text, or the name is too long.
+const char* CXmlStreamReader::SkipOpening(const char* cursor, const char* end, const CNodeName& name)
+{
+    const CNodeName::Entry& entry = *name.m_entry;
+    const std::size_t length = entry.openingLength;
+    return length != 0 && static_cast<std::size_t>(end - cursor) >= length &&
+                   IsSame(cursor, entry.opening.data(), length)
+               ? cursor + length
+               : nullptr;
+}
+
 bool CXmlStreamReader::GetAttributes(CElementNode& element, const CElementLayout& layout)
 {
     // One walk over both. An attribute that stands out of order, twice or is unknown is found by none of the layout's.
@@ -514,7 +522,7 @@ bool CXmlStreamReader::GetAttributes(CElementNode& element, const CElementLayout
         const char* value = nullptr;
         for (; attribute == nullptr && next < layout.AttributeCount(); ++next) {
             attribute = layout.AttributeAt(element, next);
-            value = SkipOpening(cursor, end, attribute->m_name.Text());
+            value = SkipOpening(cursor, end, attribute->m_name);
             if (value == nullptr) {
                 attribute->m_value.clear();
                 attribute = nullptr;
@@ -889,23 +897,57 @@ bool CXmlStreamWriter::SetAttribute(const std::string& name, const std::wstring&
     return true;
 }
 
+namespace
+{
+
+/// So many characters of a value are escaped at once, into room for as many of the longest form.
+constexpr std::size_t ValuePiece = 256;
+
+std::size_t RoomForValue(const std::wstring& value)
+{
+    return std::min(ValuePiece, value.size()) * MaxEscapedLength + 1;
+}
+
+} // namespace
+
 void CXmlStreamWriter::PutAttribute(const std::string& name, const std::wstring& value)
 {
-    constexpr std::size_t piece = 256;
-    std::size_t length = std::min(piece, value.size());
-    char* to = m_sink->Reserve(name.size() + 4 + length * MaxEscapedLength);
+    char* to = m_sink->Reserve(name.size() + 3 + RoomForValue(value));
     if (!m_isForChecksum) {
         *to++ = ' '; // layout; the checksum does not see it
     }
-    for (const char character : name) { // a few bytes: quicker than a call
-        *to++ = character;
-    }
+    to = std::copy(name.begin(), name.end(), to);
     *to++ = '=';
     *to++ = '"';
+    PutValue(to, value);
+}
+
+void CXmlStreamWriter::PutAttribute(const CNodeName& name, const std::wstring& value)
+{
+    const CNodeName::Entry& entry = *name.m_entry;
+    if (entry.openingLength == 0) {
+        PutAttribute(entry.text, value);
+        return;
+    }
+    char* to = m_sink->Reserve(entry.opening.size() + RoomForValue(value));
+    // A fixed length: the value goes over what is too much. The blank is layout, which the checksum does not see.
+    if (m_isForChecksum) {
+        std::memcpy(to, entry.opening.data() + 1, entry.opening.size() - 1);
+        PutValue(to + entry.openingLength - 1, value);
+    } else {
+        std::memcpy(to, entry.opening.data(), entry.opening.size());
+        PutValue(to + entry.openingLength, value);
+    }
+}
+
+/// Writes value and quote to @p to, where there is RoomForValue(), and makes room for the rest of a long one.
+void CXmlStreamWriter::PutValue(char* to, const std::wstring& value)
+{
+    std::size_t length = std::min(ValuePiece, value.size());
     to = PutEscaped(to, value.data(), length);
     for (std::size_t begin = length; begin < value.size(); begin += length) {
         m_sink->Advance(to);
-        length = std::min(piece, value.size() - begin);
+        length = std::min(ValuePiece, value.size() - begin);
         to = PutEscaped(m_sink->Reserve(length * MaxEscapedLength + 1), value.data() + begin, length);
     }
     *to++ = '"';
@@ -917,11 +959,12 @@ bool CXmlStreamWriter::SetAttribute(const CReadOnlyAttribute& attribute)
     if (attribute.IsEmpty()) {
         return true;
     }
-    if (m_sink != nullptr) {
-        PutAttribute(attribute.GetNodeName(), attribute.GetValue());
+    const std::string& name = attribute.GetNodeName(); // virtual: an attribute class may have a name of its own
+    if (m_sink != nullptr && &name == &attribute.m_name.Text()) {
+        PutAttribute(attribute.m_name, attribute.m_value);
         return true;
     }
-    return SetAttribute(attribute.GetNodeName(), attribute.GetValue());
+    return SetAttribute(name, attribute.m_value);
 }
 
 bool CXmlStreamWriter::AddListEntry(const std::string& line, bool first, bool last)
