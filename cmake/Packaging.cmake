@@ -57,4 +57,16 @@ libvelautil and libvelatrace. Not for an instrument, whose firmware brings its o
     set(CPACK_DEBIAN_PLATFORM_PACKAGE_REPLACES "libvelautil1, libvelatrace1")
 endif()
 
+if(NYXCONFIG_BUILD_TOOLS)
+    list(APPEND CPACK_COMPONENTS_ALL tools)
+    set(CPACK_COMPONENT_TOOLS_DESCRIPTION "Command-line tool: footprint shows, verifies and compares device footprints,
+explains their history, and puts fleets of them into tables.")
+    set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME nyxconfig-tools)
+    set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)
+    set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
+    set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "${runtime_package} (>= ${PROJECT_VERSION})")
+    set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS "graphviz")
+    list(APPEND CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}/DeviceFootprint")
+endif()
+
 include(CPack)
