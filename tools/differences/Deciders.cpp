@@ -3,6 +3,7 @@
 #include "ElementWalk.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <iterator>
 #include <map>
@@ -28,7 +29,12 @@ constexpr std::size_t fewUnits = 64;
 /// How much may be asked in one search: the product of questions and differences.
 constexpr std::size_t mostEffort = 4000000;
 /// The same when looking whether entries of a list are needless: the product of questions and entries.
-constexpr std::size_t mostEntryEffort = 2000000;
+constexpr std::uint64_t mostEntryEffort = 2000000;
+
+std::uint64_t EntryEffort(const CDifferentElement& list, std::size_t questions)
+{
+    return std::uint64_t{questions} * (list.list->NewCount() + 1);
+}
 
 std::string ClassName(const std::type_info& type)
 {
@@ -142,7 +148,7 @@ void CDeciders::ExplainList(const CDifferentElement& element)
     if (!Ask(question)) {
         Search(element.firstUnit, element.endUnit, question, reason);
     }
-    if (found.size() * (element.list->NewCount() + 1) <= mostEntryEffort && Ask(question)) {
+    if (EntryEffort(element, found.size()) <= mostEntryEffort && Ask(question)) {
         DropNeedless(found, question);
         JudgeInFullList(element, question, reason);
     }
@@ -159,7 +165,7 @@ void CDeciders::JudgeInFullList(const CDifferentElement& element, const TQuestio
         const CDifference& difference = m_copy.Unit(unit).m_difference;
         return difference.rulePath == reason.path && difference.kind != EKind::eParent;
     });
-    if (ofRule.size() * (element.list->NewCount() + 1) > mostEntryEffort) {
+    if (EntryEffort(element, ofRule.size()) > mostEntryEffort) {
         return;
     }
     const TUnits together = Together(units, ofRule, question);
@@ -256,6 +262,7 @@ CDeciders::TUnits CDeciders::AskAboutPair(const CDifferentElement& element, cons
                 byRule[m_copy.Unit(unit).m_difference.rulePath].push_back(unit);
             }
             std::vector<TUnits> groups;
+            groups.reserve(byRule.size());
             for (auto& [path, units] : byRule) {
                 groups.push_back(std::move(units));
             }
