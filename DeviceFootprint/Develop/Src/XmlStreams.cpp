@@ -646,8 +646,8 @@ void CXmlStreamReader::DecodeValue(const Span& span, bool hasReference, std::wst
     } else if (!hasReference) {
         // Made new: growing it would fill it first.
         value = std::wstring(span.begin, end);
-    } else if (std::array<wchar_t, 256> room; span.length <= room.size()) {
-        value.assign(room.data(), FromXML(span.begin, end, room.data()));
+    } else if (wchar_t room[256]; span.length <= std::size(room)) {
+        value.assign(std::begin(room), FromXML(span.begin, end, std::begin(room)));
     } else {
         value.resize(span.length);
         value.resize(static_cast<std::size_t>(FromXML(span.begin, end, value.data()) - value.data()));
