@@ -496,7 +496,7 @@ TEST_P(DifferencesPropertyTest, WhatDecidesIsNamedAndUndone)
     GetParam().make()->CreateRules(rules);
     int same = 0;
     int different = 0;
-    for (unsigned round = 0; round < 400; ++round) {
+    for (unsigned round = 0; round < 300; ++round) {
         CGenerator generator(TestSeed() + round);
         const auto oldDocument = generator.Make();
         const auto newDocument = std::make_unique<CDeviceFootprint>(*oldDocument);

@@ -17,7 +17,6 @@
 using namespace NyxTest;
 using namespace KvDeviceFootprint;
 using nlohmann::json;
-using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;

@@ -259,7 +259,8 @@ CDeciders::TUnits CDeciders::AskAboutPair(const CDifferentElement& element, cons
             // What the entry's own rules say need not matter to the rule of the list.
             std::map<std::string, TUnits> byRule;
             for (const std::size_t unit : DecidedOf(all)) {
-                byRule[m_copy.Unit(unit).m_difference.rulePath].push_back(unit);
+                TUnits& units = byRule[m_copy.Unit(unit).m_difference.rulePath];
+                units.insert(units.end(), unit);
             }
             std::vector<TUnits> groups;
             groups.reserve(byRule.size());

@@ -66,8 +66,8 @@ template<class T>
 CElementNodeList<T>& CElementNodeList<T>::operator=(CElementNodeList&& other)
 {
     // The other list may lie in an entry of this one, so the old entries live until the end.
-    std::list<T> entries(std::move(other));
     CElementNode::operator=(other);
+    std::list<T> entries(std::move(other));
     this->swap(entries);
     return *this;
 }
