@@ -22,9 +22,9 @@ struct CPlotPoint
 /// Something that happened at a time, shown below the line.
 struct CPlotEvent
 {
-    std::int64_t seconds;
+    std::int64_t seconds = 0;
     std::string words;
-    bool isService; ///< a service; otherwise a maintenance
+    bool isService = false; ///< a service; otherwise a maintenance
 };
 
 /// A line of points in the order of their times, with axes, as a picture in the page. Nothing without points; events
