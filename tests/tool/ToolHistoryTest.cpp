@@ -44,7 +44,7 @@ protected:
         m_document.m_creationDate = date;
         std::string text;
         EXPECT_TRUE(m_document.GetDeviceFootprintString(false, text));
-        const std::string name = Name(date);
+        std::string name = Name(date);
         WriteFile(m_folder / name, text);
         WriteFile(m_folder / ".latest", name);
         return name;
