@@ -204,18 +204,19 @@ TEST(ToolDiffTest, ColourOnATerminalOnly)
 
 TEST(ToolDiffTest, FilesOf16Megabytes)
 {
-    constexpr std::size_t count = 150000;
+    constexpr std::size_t count = 25000;
+    const std::string text(550, 't');
     const TempFolder folder;
     const auto number = [](std::size_t board) { return board; };
     const auto write = [&](const std::string& name, const auto& id, const auto& serial, const auto& hours) {
         WriteFile(folder / name, Footprint(count, [&](std::size_t board) {
                       return Attribute("id", id(board)) + Attribute("sn", serial(board)) +
                              Attribute("parentId", id(board == 1 ? 1 : board / 2)) + Attribute("operatingHours", 0) +
-                             Attribute("connectorName", hours(board));
+                             Attribute("connectorName", hours(board)) + "partName=\"" + text + "\"";
                   }));
     };
     write("old.xml", number, number, number);
-    write("few.xml", number, number, [](std::size_t board) { return board % 50000 == 0 ? 0 : board; });
+    write("few.xml", number, number, [](std::size_t board) { return board % 8000 == 0 ? 0 : board; });
     write("all.xml", number, number, [](std::size_t board) { return board + 1; });
     write(
         "numbers.xml", [](std::size_t board) { return board + 1000000; }, number, number);
@@ -225,9 +226,9 @@ TEST(ToolDiffTest, FilesOf16Megabytes)
     const std::vector<std::pair<std::string, std::string>> cases = {
         {"old.xml", "same: needs no new history entry (no differences)"},
         {"few.xml", "differs: needs a new history entry (3 differences, 3 of which decide)"},
-        {"all.xml", "differs: needs a new history entry (150000 differences, 150000 of which decide)"},
-        {"numbers.xml", "same: needs no new history entry (300000 differences, none of which decides)"},
-        {"boards.xml", "differs: needs a new history entry (300000 differences, 300000 of which decide)"}};
+        {"all.xml", "differs: needs a new history entry (25000 differences, 25000 of which decide)"},
+        {"numbers.xml", "same: needs no new history entry (50000 differences, none of which decides)"},
+        {"boards.xml", "differs: needs a new history entry (50000 differences, 50000 of which decide)"}};
     for (const auto& [name, verdict] : cases) {
         const auto begin = std::chrono::steady_clock::now();
         const CRun run = RunTool({"diff", folder / "old.xml", folder / name});
