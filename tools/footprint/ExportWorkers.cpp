@@ -26,8 +26,8 @@ namespace
 
 using TClock = std::chrono::steady_clock;
 
-/// A process that loads makes and frees one document after the other, each of thousands of small blocks: without this the
-/// C library gives the memory back to the system, and merges all free blocks, between any two of them.
+/// A process that loads makes and frees one document after the other, each of thousands of small blocks: without this
+/// the C library gives the memory back to the system, and merges all free blocks, between any two of them.
 void KeepMemory()
 {
 #if defined(__GLIBC__)
