@@ -1,25 +1,12 @@
 #include "Peers.h"
 
 #include <cstdio>
-#include <memory>
-#include <stdexcept>
 
 namespace bench
 {
 
 namespace
 {
-
-using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
-
-File Open(const std::string& file, const char* mode)
-{
-    File opened(std::fopen(file.c_str(), mode), &std::fclose);
-    if (!opened) {
-        Fail("can not open " + file);
-    }
-    return opened;
-}
 
 class HandWriter
 {
@@ -92,7 +79,7 @@ private:
 void SaveByHand(const Footprint& footprint, const std::string& file)
 {
     static const std::string root(RootTag);
-    const File opened = Open(file, "wb");
+    const File opened = OpenFile(file, "wb");
     std::setvbuf(opened.get(), nullptr, _IONBF, 0); // the writer gathers
     HandWriter writer(opened.get());
     writer.Line("<?xml version=\"1.0\" encoding=\"utf-8\" ?>\n");
@@ -102,22 +89,5 @@ void SaveByHand(const Footprint& footprint, const std::string& file)
 } // namespace
 
 const Peer ByHand = {"by hand", nullptr, &SaveByHand};
-
-void Fail(const std::string& words)
-{
-    throw std::runtime_error(words);
-}
-
-std::string ReadFile(const std::string& file)
-{
-    const File opened = Open(file, "rb");
-    std::fseek(opened.get(), 0, SEEK_END);
-    std::string text(static_cast<std::size_t>(std::ftell(opened.get())), '\0');
-    std::rewind(opened.get());
-    if (std::fread(text.data(), 1, text.size(), opened.get()) != text.size()) {
-        Fail("can not read " + file);
-    }
-    return text;
-}
 
 } // namespace bench

@@ -1,6 +1,6 @@
 #include "Generator.h"
 
-#include "Peers.h"
+#include "Files.h"
 
 #include "DeviceFootprint.h"
 

@@ -1,6 +1,6 @@
 #include "Operations.h"
 
-#include "Peers.h"
+#include "Files.h"
 
 namespace bench
 {

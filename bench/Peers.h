@@ -3,6 +3,7 @@
 
 // The general XML libraries, each used as its own documentation suggests for speed.
 
+#include "Files.h"
 #include "Model.h"
 
 #include <string>
@@ -30,12 +31,6 @@ extern const Peer ByHand;
 const std::vector<const Peer*>& Peers();
 /// @throw std::runtime_error for an unknown name.
 const Peer& PeerByName(const std::string& name);
-
-/// @throw std::runtime_error with the words, as every fault of a peer.
-[[noreturn]] void Fail(const std::string& words);
-
-/// A file's whole content.
-std::string ReadFile(const std::string& file);
 
 } // namespace bench
 
