@@ -78,10 +78,12 @@ void CNyxConfig::fillDeviceDataIntoFootprint(bool throwOnError)
     deviceData.m_productDate = std::move(productDate);
     deviceData.m_maintenanceData = fillCMaintenanceDataFromDescItem(m_deviceData->getMaintenanceData(), throwOnError);
     for (IServiceDescItem* service : m_deviceData->getServices()) {
-        deviceData.m_serviceData.m_services.push_back(fillCServiceFromDescItem(service, throwOnError));
+        AppendMade(deviceData.m_serviceData.m_services,
+                   [=] { return fillCServiceFromDescItem(service, throwOnError); });
     }
     for (ITestInstructionDescItem* instruction : m_deviceData->getTestInstructions()) {
-        deviceData.m_testInstructions.push_back(fillCTestInstructionFromDescItem(instruction, throwOnError));
+        AppendMade(deviceData.m_testInstructions,
+                   [=] { return fillCTestInstructionFromDescItem(instruction, throwOnError); });
         if (deviceData.m_testInstructions.size() < 2 || !deviceData.m_testInstructions.back().m_name.IsEmpty()) {
             continue;
         }
@@ -222,7 +224,8 @@ CMaintenance CNyxConfig::fillCMaintenanceFromDescItem(IMaintenanceDescItem* item
     maintenance.m_maintenanceDate = std::move(maintenanceDate);
     maintenance.m_generatedBy = std::move(generatedBy);
     for (IMaintenanceTaskDescItem* task : item->getMaintenanceTasks()) {
-        maintenance.m_maintenanceTasks.push_back(fillCMaintenanceTaskFromDescItem(task, throwOnError));
+        AppendMade(maintenance.m_maintenanceTasks,
+                   [=] { return fillCMaintenanceTaskFromDescItem(task, throwOnError); });
     }
     return maintenance;
 }
@@ -265,7 +268,7 @@ CMaintenanceData CNyxConfig::fillCMaintenanceDataFromDescItem(IMaintenanceDataDe
     }
     // MaintenanceInfos are mapped in neither direction.
     for (IMaintenanceDescItem* maintenance : item->getMaintenances()) {
-        data.m_maintenances.push_back(fillCMaintenanceFromDescItem(maintenance, throwOnError));
+        AppendMade(data.m_maintenances, [=] { return fillCMaintenanceFromDescItem(maintenance, throwOnError); });
     }
     return data;
 }

@@ -277,11 +277,12 @@ void CNyxConfig::fillHardwareDataIntoFootprint(bool throwOnError)
         }
     }
     for (HwBoardDescItem* item : m_hwDescItems) {
-        m_devFp.m_hardwareData.m_hardwareList.push_back(fillCHardwareFromDescItem(item, throwOnError));
+        AppendMade(m_devFp.m_hardwareData.m_hardwareList,
+                   [=] { return fillCHardwareFromDescItem(item, throwOnError); });
     }
     CProductList& products = m_devFp.m_hardwareData.m_productList;
     for (CProductDescItem* item : m_productDescItems) {
-        products.push_back(fillCProductFromDescItem(item, throwOnError));
+        AppendMade(products, [=] { return fillCProductFromDescItem(item, throwOnError); });
     }
     if (products.size() < 2) {
         return; // a single id is not even read
@@ -354,11 +355,11 @@ CHardware CNyxConfig::fillCHardwareFromDescItem(IHwBoardDescItem* item, bool thr
         identification.m_additionalInfo = bPart->getAdditionalInfo();
     }
     for (IHwProgrammablePartDescItem* part : item->getProgrammableParts()) {
-        hardware.m_programmableParts.push_back(fillCProgrammablePartFromDescItem(part, throwOnError));
+        AppendMade(hardware.m_programmableParts, [=] { return fillCProgrammablePartFromDescItem(part, throwOnError); });
     }
     hardware.m_maintenanceData = fillCMaintenanceDataFromDescItem(item->getMaintenanceData(), throwOnError);
     for (IServiceDescItem* service : item->getServices()) {
-        hardware.m_serviceData.m_services.push_back(fillCServiceFromDescItem(service, throwOnError));
+        AppendMade(hardware.m_serviceData.m_services, [=] { return fillCServiceFromDescItem(service, throwOnError); });
     }
     return hardware;
 }

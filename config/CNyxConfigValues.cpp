@@ -13,6 +13,8 @@
 namespace KvOrdo
 {
 
+using namespace KvDeviceFootprint;
+
 namespace
 {
 

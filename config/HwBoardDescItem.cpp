@@ -18,6 +18,9 @@ namespace KvOrdo
 namespace
 {
 
+using KvDeviceFootprint::PointedNumber;
+using KvDeviceFootprint::ReadPlainNumber;
+
 constexpr int NoEntry = -1;
 constexpr long GroupOfFour = 10000;
 constexpr long FullFirstGroup = 1000 * GroupOfFour; // from here on there is nothing to pad

@@ -5,6 +5,7 @@
 
 #include <string>
 #include <type_traits>
+#include <utility>
 
 namespace KvOrdo
 {
@@ -53,6 +54,22 @@ void CheckNotEmpty(CNyxConfig& config, const std::wstring& value, const Name& na
     if (value.empty()) {
         config.assertNotEmpty(value, MakeName(name), throwOnError);
     }
+}
+
+/// Converts to what a function gives, which is then made where it is converted to.
+template<class Make>
+struct MadeBy
+{
+    operator std::invoke_result_t<const Make&>() const { return make(); }
+
+    Make make;
+};
+
+/// Appends what @p make gives. It is made in its place: an element has many members, and moving it moves them all.
+template<class List, class Make>
+void AppendMade(List& list, Make make)
+{
+    list.emplace_back(MadeBy<Make>{std::move(make)});
 }
 
 } // namespace KvOrdo

@@ -4,6 +4,7 @@
 #include "nyxconfig_export.h"
 
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -76,6 +77,9 @@ private:
         /// copied without a look at its length.
         std::array<char, 32> opening;
         std::size_t openingLength; ///< 0 for a name that is too long
+        /// The first eight bytes of the opening, and what of them counts: all bits of as many bytes as it has.
+        std::uint64_t firstBytes;
+        std::uint64_t firstMask;
     };
     static const Entry* SharedEntry(const char* text);
 
@@ -131,8 +135,18 @@ public:
     CReadOnlyAttribute& operator=(const wchar_t* value);
     CReadOnlyAttribute& operator=(long value);
     /// Copies name and value.
-    CReadOnlyAttribute& operator=(const CReadOnlyAttribute&) = default;
-    CReadOnlyAttribute& operator=(CReadOnlyAttribute&&) = default;
+    CReadOnlyAttribute& operator=(const CReadOnlyAttribute& other)
+    {
+        TakeName(other);
+        m_value = other.m_value;
+        return *this;
+    }
+    CReadOnlyAttribute& operator=(CReadOnlyAttribute&& other) noexcept
+    {
+        TakeName(other);
+        m_value = std::move(other.m_value);
+        return *this;
+    }
 
     bool Get(std::wstring& value) const;
     /// Gives the value narrowed by NarrowText().
@@ -153,6 +167,18 @@ private:
     friend class CElementLayout;   // compares names by identity
     friend class CXmlStreamReader; // decodes straight into the value
     friend class CXmlStreamWriter; // takes the name's opening
+
+    void TakeName(const CReadOnlyAttribute& other)
+    {
+        if (m_name != other.m_name) {
+            Rename(other.m_name);
+        }
+    }
+    void Rename(const CNodeName& name) noexcept;
+
+    /// Whether any attribute of the process was ever given another name. As long as none was, those of an element bear
+    /// the names that its class gives them.
+    static std::atomic<bool> s_isAnyRenamed;
 
     CNodeName m_name;
     std::wstring m_value;

@@ -25,10 +25,9 @@
 #include <functional>
 #include <map>
 #include <string>
-#include <string_view>
 #include <type_traits>
 #include <typeinfo>
-#include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace KvDeviceFootprint
@@ -71,18 +70,22 @@ public:
     const CComparatorBase* Find(const std::string& elementName) const;
 
 private:
-    /// Tells names apart by what is quick to see: their length, and their last character.
-    struct CQuickHash
-    {
-        std::size_t operator()(std::string_view name) const
-        {
-            return name.empty() ? 0 : name.size() + 32 * static_cast<std::size_t>(name.back());
-        }
-    };
+    using CRules = std::map<std::string, const CComparatorBase*>;
 
-    std::map<std::string, const CComparatorBase*> m_comparators;
-    // The same once more, as there is a search for every element of both trees. The keys are those above.
-    std::unordered_map<std::string_view, const CComparatorBase*, CQuickHash> m_index;
+    /// Tells names apart by what is quick to see: their length, and the characters at both ends.
+    static std::size_t QuickHash(const std::string& name)
+    {
+        return name.empty() ? 0
+                            : name.size() + 3 * static_cast<unsigned char>(name.front()) +
+                                  7 * static_cast<unsigned char>(name.back());
+    }
+    std::size_t FindSlot(const std::string& name) const;
+    void GrowIndex();
+
+    CRules m_comparators;
+    // The same once more, as there is a search for every element of both trees: a hash table of a power of two places,
+    // half of which are null at least. A name's place is the first free one from that of its hash on.
+    std::vector<const CRules::value_type*> m_index;
 };
 
 /// Fills a rule set.
@@ -192,32 +195,71 @@ public:
     /// design.
     bool CreateLookup(const CElementNodeList<T>& lhs, const CElementNodeList<T>& rhs, CLookup& lookup) const
     {
-        if (lhs.size() != rhs.size()) {
-            return false;
-        }
-        // The candidates, null once they are taken. Most lists are short.
-        std::array<const T*, 8> few = {};
-        std::vector<const T*> many(lhs.size() > few.size() ? lhs.size() : 0);
-        const T** free = many.empty() ? few.data() : many.data();
-        const T** const end = std::transform(lhs.begin(), lhs.end(), free, [](const T& entry) { return &entry; });
-        // Entries of one load mostly lie in memory as they follow each other.
-        if (!std::is_sorted(free, end, std::less<>())) {
-            std::sort(free, end, std::less<>());
-        }
-        for (const T& entry : rhs) {
-            while (*free == nullptr) { // there are as many candidates as entries
-                ++free;
+        CPairing pairing;
+        const bool isComplete = pairing.Make(lhs, rhs);
+        for (const auto& pair : pairing) {
+            if (pair.second != nullptr) {
+                lookup.emplace_hint(lookup.end(), pair);
             }
-            const T** const candidate = std::find_if(
-                free, end, [&entry](const T* partner) { return partner != nullptr && entry.IsSameEntity(*partner); });
-            if (candidate == end) {
+        }
+        return isComplete;
+    }
+
+protected:
+    /// What a lookup holds, without the memory that a map takes.
+    class CPairing
+    {
+    public:
+        using TPair = std::pair<const T*, const T*>;
+
+        CPairing() = default;
+        CPairing(const CPairing&) = delete;
+        CPairing& operator=(const CPairing&) = delete;
+        ~CPairing() = default;
+
+        /// See CreateLookup(). Those that found no partner have null there.
+        bool Make(const CElementNodeList<T>& lhs, const CElementNodeList<T>& rhs)
+        {
+            if (lhs.size() != rhs.size()) {
                 return false;
             }
-            lookup.emplace_hint(lookup.end(), *candidate, &entry);
-            *candidate = nullptr;
+            m_many.resize(lhs.size() > m_few.size() ? lhs.size() : 0);
+            m_begin = m_many.empty() ? m_few.data() : m_many.data();
+            m_end =
+                std::transform(lhs.begin(), lhs.end(), m_begin, [](const T& entry) { return TPair(&entry, nullptr); });
+            const auto isBelow = [](const TPair& left, const TPair& right) {
+                return std::less<>()(left.first, right.first);
+            };
+            // Entries of one load mostly lie in memory as they follow each other.
+            if (!std::is_sorted(m_begin, m_end, isBelow)) {
+                std::sort(m_begin, m_end, isBelow);
+            }
+            TPair* free = m_begin;
+            for (const T& entry : rhs) {
+                while (free->second != nullptr) { // there are as many candidates as entries
+                    ++free;
+                }
+                TPair* const candidate = std::find_if(free, m_end, [&entry](const TPair& pair) {
+                    return pair.second == nullptr && entry.IsSameEntity(*pair.first);
+                });
+                if (candidate == m_end) {
+                    return false;
+                }
+                candidate->second = &entry;
+            }
+            return true;
         }
-        return true;
-    }
+
+        std::size_t size() const { return static_cast<std::size_t>(m_end - m_begin); }
+        const TPair* begin() const { return m_begin; }
+        const TPair* end() const { return m_end; }
+
+    private:
+        std::array<TPair, 4> m_few; // most lists are short
+        std::vector<TPair> m_many;
+        TPair* m_begin = nullptr;
+        TPair* m_end = nullptr;
+    };
 };
 
 /// The comparator of the concrete list class L with entries of T.
@@ -234,6 +276,19 @@ public:
             return this->CompareInternal(static_cast<const L&>(lhs), static_cast<const L&>(rhs), rules);
         }
         return CComparatorTyped<CElementNodeList<T>>::operator()(lhs, rhs, rules);
+    }
+
+    bool CompareInternal(const CElementNodeList<T>& lhs, const CElementNodeList<T>& rhs,
+                         const CComparatorRules& rules) const override
+    {
+        if (&typeid(*this) != &typeid(CListComparatorTyped)) {
+            return CComparatorTyped<CElementNodeList<T>>::CompareInternal(lhs, rhs, rules);
+        }
+        // Nobody can have an InvokeNodeComparison() of his own here, so nobody needs a lookup.
+        typename CComparatorTyped<CElementNodeList<T>>::CPairing pairing;
+        return pairing.Make(lhs, rhs) && std::all_of(pairing.begin(), pairing.end(), [&rules](const auto& pair) {
+                   return pair.first->Compare(*pair.second, rules);
+               });
     }
 };
 

@@ -3,10 +3,12 @@
 #include "DeviceFootprint.h"
 
 #include "CLocale.h"
+#include "PlainNumbers.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
+#include <cstring>
 #include <ctime>
 #include <cwchar>
 #include <iterator>
@@ -44,13 +46,17 @@ std::wstring WidenText(const std::string& text)
     return wide;
 }
 
-CNodeName::Entry::Entry(const char* name) : text(name), opening(), openingLength(0)
+CNodeName::Entry::Entry(const char* name) : text(name), opening(), openingLength(0), firstBytes(0), firstMask(0)
 {
     const std::string whole = " " + text + "=\"";
-    if (whole.size() <= opening.size()) {
+    if (whole.size() < opening.size()) {
         std::copy(whole.begin(), whole.end(), opening.begin());
         openingLength = whole.size();
     }
+    std::array<char, sizeof firstMask> mask = {};
+    std::fill_n(mask.begin(), std::min(openingLength, mask.size()), '\xFF');
+    std::memcpy(&firstMask, mask.data(), sizeof firstMask);
+    std::memcpy(&firstBytes, opening.data(), sizeof firstBytes);
 }
 
 /// The one entry of each name. Never freed: objects of static storage may outlive any order of destruction.
@@ -64,6 +70,15 @@ const CNodeName::Entry* CNodeName::SharedEntry(const char* text)
 }
 
 CNodeName::CNodeName(const char* text) : m_entry(SharedEntry(text)) {}
+
+std::atomic<bool> CReadOnlyAttribute::s_isAnyRenamed(false);
+
+void CReadOnlyAttribute::Rename(const CNodeName& name) noexcept
+{
+    // What a thread does with an element that another thread has made is ordered by how it got the element.
+    s_isAnyRenamed.store(true, std::memory_order_relaxed);
+    m_name = name;
+}
 
 const std::string& CReadOnlyAttribute::GetNodeName() const
 {
@@ -91,7 +106,8 @@ bool CReadOnlyAttribute::SetBool(bool value)
 bool CReadOnlyAttribute::SetInteger(long value)
 {
     char text[32];
-    m_value.assign(text, std::to_chars(std::begin(text), std::end(text), value).ptr);
+    // Made new: assigning characters of another type would make a copy of one that is made new.
+    m_value = std::wstring(text, std::to_chars(std::begin(text), std::end(text), value).ptr);
     return true;
 }
 
@@ -164,7 +180,9 @@ bool CReadOnlyAttribute::GetInteger(long& value) const
     if (IsEmpty()) {
         return EmptyGetError();
     }
-    value = wcstol_l(m_value.c_str(), nullptr, 10, CLocale());
+    if (!ReadPlainNumber(m_value, value)) {
+        value = wcstol_l(m_value.c_str(), nullptr, 10, CLocale());
+    }
     return true;
 }
 

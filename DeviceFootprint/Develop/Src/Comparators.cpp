@@ -120,12 +120,12 @@ void CComparatorRules::Add(const CComparatorBase* comparator)
     }
     std::unique_ptr<const CComparatorBase> owned(comparator);
     const auto place = m_comparators.emplace(comparator->GetAssociatedNodeName(), nullptr).first;
-    const CComparatorBase*& indexed = m_index[place->first];
+    GrowIndex();
+    m_index[FindSlot(place->first)] = &*place;
     if (place->second != comparator) {
         delete place->second;
     }
     place->second = owned.release();
-    indexed = place->second;
 }
 
 void CComparatorRules::Clear()
@@ -139,8 +139,38 @@ void CComparatorRules::Clear()
 
 const CComparatorBase* CComparatorRules::Find(const std::string& elementName) const
 {
-    const auto rule = m_index.find(elementName);
-    return rule == m_index.end() ? nullptr : rule->second;
+    if (m_index.empty()) {
+        return nullptr;
+    }
+    const CRules::value_type* rule = m_index[FindSlot(elementName)];
+    return rule == nullptr ? nullptr : rule->second;
+}
+
+/// The place of a name, or the free one where it would be.
+std::size_t CComparatorRules::FindSlot(const std::string& name) const
+{
+    const std::size_t mask = m_index.size() - 1;
+    std::size_t place = QuickHash(name) & mask;
+    while (m_index[place] != nullptr && m_index[place]->first != name) {
+        place = (place + 1) & mask;
+    }
+    return place;
+}
+
+/// Makes sure that all rules have a place, and as many are free.
+void CComparatorRules::GrowIndex()
+{
+    std::size_t size = std::max<std::size_t>(m_index.size(), 64);
+    while (size < 2 * m_comparators.size()) {
+        size *= 2;
+    }
+    if (size == m_index.size()) {
+        return;
+    }
+    m_index.assign(size, nullptr);
+    for (const auto& rule : m_comparators) {
+        m_index[FindSlot(rule.first)] = &rule;
+    }
 }
 
 bool CDeviceDataComparator::CompareInternal(const CDeviceData& lhs, const CDeviceData& rhs) const
@@ -164,14 +194,14 @@ bool CHardwareListComparator::CompareInternal(const CElementNodeList<CHardware>&
                                               const CElementNodeList<CHardware>& rhs,
                                               const CComparatorRules& rules) const
 {
-    CLookup lookup;
-    if (!CreateLookup(lhs, rhs, lookup)) {
+    CPairing pairing;
+    if (!pairing.Make(lhs, rhs)) {
         return false;
     }
-    CBoardIndex lhsIndex(lookup.size());
-    CBoardIndex rhsIndex(lookup.size());
+    CBoardIndex lhsIndex(pairing.size());
+    CBoardIndex rhsIndex(pairing.size());
     unsigned index = 0;
-    for (const auto& pair : lookup) {
+    for (const auto& pair : pairing) {
         if (pair.first->m_id.IsEmpty() || pair.second->m_id.IsEmpty()) {
             return false;
         }
@@ -184,7 +214,7 @@ bool CHardwareListComparator::CompareInternal(const CElementNodeList<CHardware>&
     }
     lhsIndex.Sort();
     rhsIndex.Sort();
-    return std::all_of(lookup.begin(), lookup.end(),
+    return std::all_of(pairing.begin(), pairing.end(),
                        [&](const auto& pair) { return HaveSameParent(*pair.first, *pair.second, lhsIndex, rhsIndex); });
 }
 

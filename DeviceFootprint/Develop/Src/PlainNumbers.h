@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <string>
 
-namespace KvOrdo
+namespace KvDeviceFootprint
 {
 
 // Nearly all numbers of a footprint are a few plain digits. These read and write them without what the general
@@ -57,6 +57,6 @@ std::wstring PointedNumber(const DigitGroup (&groups)[Count])
     return std::wstring(room.data(), to);
 }
 
-} // namespace KvOrdo
+} // namespace KvDeviceFootprint
 
 #endif
