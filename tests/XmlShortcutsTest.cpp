@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <list>
 #include <string>
 #include <utility>
 
@@ -33,6 +34,69 @@ public:
     DFP_ELEMENT_END
 };
 
+/// Names whose openings are just as long as there is room for, and one longer.
+class CFullNames : public CElement<CFullNames>
+{
+    DFP_ELEMENT(CFullNames, "FullNames")
+
+public:
+    DFP_ATTRIBUTE(aNameOfTwentyEightCharacters);
+    DFP_ATTRIBUTE(aNameOfTwentyNineCharactersEx);
+    DFP_ELEMENT_END
+};
+
+/// An attribute with a name of its own.
+class CNamedAttribute : public CAttribute
+{
+public:
+    using CAttribute::CAttribute;
+    using CAttribute::operator=;
+    const std::string& GetNodeName() const override
+    {
+        static const std::string name("zulu");
+        return name;
+    }
+};
+
+class COwnNames : public CElement<COwnNames>
+{
+    DFP_ELEMENT(COwnNames, "OwnNames")
+
+public:
+    DFP_ATTRIBUTE_OF(CNamedAttribute, first);
+    DFP_ATTRIBUTE(second);
+    DFP_ELEMENT_END
+};
+
+/// An element that says itself whether it is empty.
+class CSilent : public CElement<CSilent>
+{
+    DFP_ELEMENT(CSilent, "Silent")
+
+public:
+    bool IsEmpty() const override { return m_isSilent; }
+
+    DFP_ATTRIBUTE(text);
+    DFP_ELEMENT_END
+
+public:
+    bool m_isSilent = true;
+};
+
+class CFootprintWithChildren : public CDeviceFootprint
+{
+public:
+    void GetChildElements(std::list<CElementNode*>& children) const override
+    {
+        CDeviceFootprint::GetChildElements(children);
+        children.push_back(const_cast<CSilent*>(&m_silent));
+        children.push_back(const_cast<COwnNames*>(&m_ownNames));
+    }
+
+    CSilent m_silent;
+    COwnNames m_ownNames;
+};
+
 /// A document with an attribute of the application's.
 class CLongNamedFootprint : public CDeviceFootprint
 {
@@ -43,6 +107,27 @@ public:
 };
 
 DFP_DEFINE_ELEMENT(CLongNames)
+DFP_DEFINE_ELEMENT(CFullNames)
+DFP_DEFINE_ELEMENT(COwnNames)
+DFP_DEFINE_ELEMENT(CSilent)
+
+/// Uses what the tables define, all of it.
+template<class Element>
+Element Copied(const Element& element)
+{
+    Element copy(element);
+    copy = element;
+    Element moved(std::move(copy));
+    copy = std::move(moved);
+    return copy;
+}
+
+std::string DigestOf(CDeviceFootprint& footprint)
+{
+    std::string digest;
+    EXPECT_TRUE(footprint.ComputeChecksum(digest));
+    return digest;
+}
 
 } // namespace
 
@@ -54,10 +139,7 @@ TEST(XmlShortcutsTest, LongNamesAreRead)
     EXPECT_EQ(element.m_first.GetValue(), L"1");
     EXPECT_EQ(element.m_aNameThatIsLongerThanMostNamesAre.GetValue(), L"2 & 3");
     EXPECT_EQ(element.m_last.GetValue(), L"4");
-    CLongNames copy(element);
-    copy = element;
-    CLongNames moved(std::move(copy));
-    copy = std::move(moved);
+    CLongNames copy = Copied(element);
     EXPECT_EQ(SaveText(copy), tag);
 }
 
@@ -87,4 +169,151 @@ TEST(XmlShortcutsTest, ALineInTwoReadsKeepsWhatStandsInTheFirst)
     CDeviceFootprint footprint;
     ASSERT_TRUE(footprint.Load(folder / "in.xml")) << CDeviceFootprint::GetLastError();
     EXPECT_EQ(footprint.m_generatedBy.GetValue(), L"\xFC" + std::wstring(filling.begin(), filling.end()));
+}
+
+TEST(XmlShortcutsTest, NamesThatFillTheirRoomAreReadAndWritten)
+{
+    const std::string tag = "<FullNames aNameOfTwentyEightCharacters=\"1\" aNameOfTwentyNineCharactersEx=\"2\"";
+    CFullNames element;
+    ASSERT_TRUE(LoadText(element, tag + "/>\n</Parent>\n"));
+    EXPECT_EQ(element.m_aNameOfTwentyEightCharacters.GetValue(), L"1");
+    EXPECT_EQ(element.m_aNameOfTwentyNineCharactersEx.GetValue(), L"2");
+    CFullNames copy = Copied(element);
+    EXPECT_EQ(SaveText(copy), tag);
+}
+
+TEST(XmlShortcutsTest, AnAttributeClassHasTheLastWordOnItsName)
+{
+    const std::string tag = "<OwnNames zulu=\"1\" second=\"2\"";
+    COwnNames element;
+    ASSERT_TRUE(LoadText(element, tag + "/>\n</Parent>\n"));
+    EXPECT_EQ(element.m_first.GetValue(), L"1");
+    COwnNames copy = Copied(element);
+    EXPECT_EQ(SaveText(copy), tag);
+    ASSERT_TRUE(LoadText(element, "<OwnNames first=\"1\" second=\"2\"/>\n</Parent>\n"));
+    EXPECT_EQ(element.m_first.GetValue(), L"");
+}
+
+TEST(XmlShortcutsTest, TheChecksumSortsByTheNamesThatAttributesHave)
+{
+    // In the order of the names in the table the digest would be another one.
+    CFootprintWithChildren footprint;
+    footprint.m_ownNames.m_first = "1";
+    footprint.m_ownNames.m_second = "2";
+    CMD5Checksum algorithm;
+    algorithm.init();
+    algorithm.add(std::string("formatVersion=\"02.06\"second=\"2\"zulu=\"1\""));
+    CMD5ChecksumContainer expected;
+    ASSERT_TRUE(algorithm.finalize(expected));
+    std::string text;
+    ASSERT_TRUE(expected.toHex(text));
+    EXPECT_EQ(DigestOf(footprint), text);
+}
+
+TEST(XmlShortcutsTest, AnElementThatSaysItIsEmptyIsNotInTheChecksum)
+{
+    CFootprintWithChildren footprint;
+    footprint.m_silent.m_text = "text";
+    CFootprintWithChildren without;
+    EXPECT_EQ(DigestOf(footprint), DigestOf(without));
+    footprint.m_silent = Copied(footprint.m_silent);
+    footprint.m_silent.m_isSilent = false;
+    EXPECT_NE(DigestOf(footprint), DigestOf(without));
+}
+
+TEST(XmlShortcutsTest, ARenamedAttributeIsWrittenReadAndSortedByItsNewName)
+{
+    for (const bool isMoved : {false, true}) {
+        CLongNames element;
+        CAttribute renamed("zulu");
+        renamed = "1";
+        if (isMoved) {
+            element.m_first = std::move(renamed);
+        } else {
+            element.m_first = renamed;
+        }
+        element.m_last = "2";
+        EXPECT_EQ(SaveText(element), "<LongNames zulu=\"1\" last=\"2\"");
+        ASSERT_TRUE(LoadText(element, "<LongNames first=\"3\" last=\"4\" zulu=\"5\"/>\n</Parent>\n"));
+        EXPECT_EQ(element.m_first.GetValue(), L"5");
+        EXPECT_EQ(element.m_last.GetValue(), L"4");
+    }
+}
+
+TEST(XmlShortcutsTest, WhatIsNoReferenceStays)
+{
+    const struct
+    {
+        const char* value;
+        const wchar_t* expected;
+    } rows[] = {
+        {"&#;", L"&#;"},
+        {"&#x;", L"&#x;"},
+        {"&#x", L"&#x"},
+        {"&#", L"&#"},
+        {"&", L"&"},
+        {"&;", L"&;"},
+        {"&#65", L"&#65"},
+        {"&#65&amp;", L"&#65&"},
+        {"&am&amp;", L"&am&"},
+        {"&&amp;;", L"&&;"},
+        {"&#6a;", L"&#6a;"},
+        {"&#xg;", L"&#xg;"},
+        {"&#x4a;&#x4A;", L"JJ"},
+        {"&#0065;", L"A"},
+        {"&#4294967361;", L"A"}, // modulo 2^32
+        {"&amp", L"&amp"},
+        {"&ampx;", L"&ampx;"},
+        {"&amp;amp;", L"&amp;"},
+        {"&lt;&gt;&quot;&apos;", L"<>\"'"},
+    };
+    for (const auto& row : rows) {
+        // The second way is that for a line that is not ASCII.
+        for (const std::string& last : {std::string("a"), std::string("\xC3\xBC")}) {
+            CLongNames element;
+            ASSERT_TRUE(LoadText(element, "<LongNames first=\"" + std::string(row.value) + "\" last=\"" + last +
+                                              "\"/>\n</Parent>\n"));
+            EXPECT_EQ(element.m_first.GetValue(), row.expected) << row.value;
+        }
+    }
+}
+
+TEST(XmlShortcutsTest, CharactersAreEscapedAsTheirRangeSays)
+{
+    std::wstring value;
+    std::string expected;
+    for (int code = 1; code < 300; ++code) {
+        value += static_cast<wchar_t>(code);
+        switch (code) {
+        case '&':
+            expected += "&amp;";
+            break;
+        case '<':
+            expected += "&lt;";
+            break;
+        case '>':
+            expected += "&gt;";
+            break;
+        case '"':
+            expected += "&quot;";
+            break;
+        case '\'':
+            expected += "&apos;";
+            break;
+        default:
+            if (code < 0x20 || code > 0x7E) {
+                expected += "&#" + std::to_string(code) + ";";
+            } else {
+                expected += static_cast<char>(code);
+            }
+        }
+    }
+    CLongNames element;
+    element.m_first = value;
+    EXPECT_EQ(SaveText(element), "<LongNames first=\"" + expected + "\"");
+    CDeviceFootprint footprint;
+    footprint.m_generatedBy = value;
+    std::string text;
+    ASSERT_TRUE(footprint.GetDeviceFootprintString(false, text));
+    EXPECT_NE(text.find(" generatedBy=\"" + expected + "\""), std::string::npos) << text;
 }

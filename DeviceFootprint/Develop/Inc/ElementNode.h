@@ -29,6 +29,12 @@ public:
 
     struct Attribute
     {
+        CReadOnlyAttribute& In(const CElementNode& element) const
+        {
+            const char* const begin = reinterpret_cast<const char*>(&element);
+            return *reinterpret_cast<CReadOnlyAttribute*>(const_cast<char*>(begin) + offset);
+        }
+
         std::ptrdiff_t offset; ///< distance from the object's CElementNode, in bytes
         CNodeName name;
     };
@@ -38,22 +44,32 @@ public:
         const char* name;
     };
 
+    /// What a class leaves to the library, so that the walks know it without asking.
+    struct Traits
+    {
+        bool ownsNames;      ///< no attribute class has a GetNodeName() of its own
+        bool plainEmptiness; ///< the class has no IsEmpty() and IsOptional() of its own
+    };
+
     /// @param type the class. @param attributes,children in file order.
-    CElementLayout(const std::type_info& type, std::vector<Attribute> attributes, const std::vector<Child>& children);
+    CElementLayout(const std::type_info& type, std::vector<Attribute> attributes, const std::vector<Child>& children,
+                   const Traits& traits);
 
     std::size_t AttributeCount() const { return m_attributes.size(); }
     CReadOnlyAttribute* AttributeAt(const CElementNode& element, std::size_t index) const
     {
-        const char* const begin = reinterpret_cast<const char*>(&element);
-        return reinterpret_cast<CReadOnlyAttribute*>(const_cast<char*>(begin) + m_attributes[index].offset);
+        return &m_attributes[index].In(element);
     }
+    const std::vector<Attribute>& Attributes() const { return m_attributes; }
     const std::vector<TChildGetter>& Children() const { return m_children; }
     /// The same in ascending order of names.
-    const std::vector<std::size_t>& SortedAttributes() const { return m_sortedAttributes; }
+    const std::vector<Attribute>& SortedAttributes() const { return m_sortedAttributes; }
     const std::vector<TChildGetter>& SortedChildren() const { return m_sortedChildren; }
 
     /// Whether two children have one name; then only the first can be found by it.
     bool HasTwins() const { return m_hasTwins; }
+
+    bool HasPlainEmptiness() const { return m_traits.plainEmptiness; }
 
     /// Whether the attributes of an object bear the names of the class. Assigning another attribute can rename one.
     bool HasOwnNames(const CElementNode& element) const;
@@ -62,8 +78,9 @@ public:
 
 private:
     const std::type_info* m_type;
+    Traits m_traits;
     std::vector<Attribute> m_attributes;
-    std::vector<std::size_t> m_sortedAttributes;
+    std::vector<Attribute> m_sortedAttributes;
     std::vector<TChildGetter> m_children;
     std::vector<TChildGetter> m_sortedChildren;
     bool m_hasTwins = false;

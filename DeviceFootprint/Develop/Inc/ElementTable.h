@@ -110,6 +110,31 @@ struct HasTag<Child, std::void_t<decltype(Child::Tag)>> : std::true_type
 {
 };
 
+/// Whether an attribute class leaves the name to the library. The type of an overridden operation tells its class.
+template<class Member, class = void>
+struct HasPlainName : std::false_type
+{
+};
+
+template<class Member>
+struct HasPlainName<Member, std::void_t<decltype(&Member::GetNodeName)>>
+    : std::is_same<decltype(&Member::GetNodeName), decltype(&CReadOnlyAttribute::GetNodeName)>
+{
+};
+
+/// Whether an element class leaves it to the library to say when it is empty and left out.
+template<class Element, class = void>
+struct HasPlainEmptiness : std::false_type
+{
+};
+
+template<class Element>
+struct HasPlainEmptiness<Element, std::void_t<decltype(&Element::IsEmpty), decltype(&Element::IsOptional)>>
+    : std::bool_constant<std::is_same_v<decltype(&Element::IsEmpty), decltype(&CElementNode::IsEmpty)> &&
+                         std::is_same_v<decltype(&Element::IsOptional), decltype(&CElementNode::IsOptional)>>
+{
+};
+
 /// The tag of a child class. One that is not written as a table has its static name alone.
 template<class Child>
 const char* TagOf(const Child* /*type*/)
@@ -242,15 +267,18 @@ struct Rows
         const auto* base = reinterpret_cast<const char*>(static_cast<const CElementNode*>(element));
         std::vector<CElementLayout::Attribute> attributes;
         std::vector<CElementLayout::Child> children;
+        bool ownsNames = true;
         Walk([&](auto line) {
             constexpr auto row = Element::TableRow(line);
             if constexpr (row.IsAttribute) {
+                ownsNames = ownsNames && HasPlainName<std::decay_t<decltype(element->*row.member)>>::value;
                 attributes.push_back({reinterpret_cast<const char*>(&(element->*row.member)) - base, row.name()});
             } else {
                 children.push_back({&GetChild<decltype(line)::value>, TagOf(&(element->*row.member))});
             }
         });
-        return CElementLayout(typeid(Element), std::move(attributes), children);
+        return CElementLayout(typeid(Element), std::move(attributes), children,
+                              {ownsNames, HasPlainEmptiness<Element>::value});
     }
 
 private:

@@ -257,6 +257,9 @@ public:
     /// Writes nothing for an empty value. False only if the value can not be written in UTF-8.
     bool SetAttribute(const std::string& name, const std::wstring& value);
     bool SetAttribute(const CReadOnlyAttribute& attribute);
+    /// Writes all attributes of an element that is just of the layout's class and bears its names, sorted by name for a
+    /// checksum.
+    bool SetAttributes(const CElementNode& element, const CElementLayout& layout);
     /// Writes one ready-made line in the place of a child element; false, with nothing written, if fewer than two
     /// elements are open. @p first closes the tag before it; @p last leaves the line open for what follows to close
     /// with ">".
@@ -270,6 +273,8 @@ public:
 
     /// Whether the output is a CChecksumStream, for which the save walk sorts by name.
     bool IsForChecksum() const { return m_isForChecksum; }
+    /// Whether an element that is not left out although it is empty changes nothing.
+    bool MayTakeEmptyElement() const { return WritesValuesOnly() && m_openCount < CXmlStreamReader::MaxDepth; }
     /// Whether a further element would be nested deeper than CXmlStreamReader::MaxDepth, which is reported.
     bool IsTooDeep() const;
 
@@ -282,12 +287,15 @@ private:
     /// Whether no tag or layout is wanted, for a checksum that nobody else sees.
     bool WritesValuesOnly() const { return m_sink != nullptr && m_isForChecksum; }
     void CloseStartTag();
-    void WriteTag(const char* opening, std::size_t openingLength, const std::string& name);
+    char* PutClose(char* to);
+    void WriteTag(bool closesTag, bool isEndTag, const std::string& name);
     void PutAttribute(const std::string& name, const std::wstring& value);
     void PutAttribute(const CNodeName& name, const std::wstring& value);
     void PutValue(char* to, const std::wstring& value);
+    char* PutRest(const std::wstring& value, std::size_t begin);
 
     static constexpr std::size_t IndentationStep = 2;
+    static constexpr std::size_t ClosePieceSize = 4;
 
     CAbstractStream* m_output;
     CTextSink* m_sink; // null, or what is written to instead of the output

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <iostream>
-#include <numeric>
 
 namespace KvDeviceFootprint
 {
@@ -28,13 +27,11 @@ CElementNode* FindLaidOutChild(const CElementNode& element, const CElementLayout
 } // namespace
 
 CElementLayout::CElementLayout(const std::type_info& type, std::vector<Attribute> attributes,
-                               const std::vector<Child>& children)
-    : m_type(&type), m_attributes(std::move(attributes)), m_sortedAttributes(m_attributes.size())
+                               const std::vector<Child>& children, const Traits& traits)
+    : m_type(&type), m_traits(traits), m_attributes(std::move(attributes)), m_sortedAttributes(m_attributes)
 {
-    std::iota(m_sortedAttributes.begin(), m_sortedAttributes.end(), std::size_t{0});
-    std::sort(m_sortedAttributes.begin(), m_sortedAttributes.end(), [this](std::size_t lhs, std::size_t rhs) {
-        return m_attributes[lhs].name.Text() < m_attributes[rhs].name.Text();
-    });
+    std::sort(m_sortedAttributes.begin(), m_sortedAttributes.end(),
+              [](const Attribute& lhs, const Attribute& rhs) { return lhs.name.Text() < rhs.name.Text(); });
     const auto getters = [](const std::vector<Child>& from) {
         std::vector<TChildGetter> to;
         to.reserve(from.size());
@@ -56,12 +53,12 @@ CElementLayout::CElementLayout(const std::type_info& type, std::vector<Attribute
 
 bool CElementLayout::HasOwnNames(const CElementNode& element) const
 {
-    for (std::size_t i = 0; i < m_attributes.size(); ++i) {
-        if (AttributeAt(element, i)->m_name != m_attributes[i].name) {
-            return false;
-        }
+    if (!m_traits.ownsNames || !CReadOnlyAttribute::s_isAnyRenamed.load(std::memory_order_relaxed)) {
+        return m_traits.ownsNames;
     }
-    return true;
+    return std::all_of(m_attributes.begin(), m_attributes.end(), [&element](const Attribute& attribute) {
+        return attribute.In(element).m_name == attribute.name;
+    });
 }
 
 bool CElementLayout::IsClassOf(const CElementNode& element) const
@@ -202,7 +199,10 @@ void CElementNode::Clear()
 
 bool CElementNode::SaveToStream(CXmlStreamWriter& writer)
 {
-    if (IsOptional() && IsEmpty()) {
+    const CElementLayout* layout = ExactLayout();
+    // What is empty adds nothing to a checksum, so there is no need to look ahead.
+    const bool mayBeEmpty = layout != nullptr && layout->HasPlainEmptiness() && writer.MayTakeEmptyElement();
+    if (!mayBeEmpty && IsOptional() && IsEmpty()) {
         return true;
     }
     return !writer.IsTooDeep() && writer.BeginElement(GetElementName()) && SaveContent(writer) && writer.EndElement();
@@ -210,14 +210,10 @@ bool CElementNode::SaveToStream(CXmlStreamWriter& writer)
 
 bool CElementNode::SaveLaidOutContent(CXmlStreamWriter& writer, const CElementLayout& layout)
 {
-    const bool isSorted = writer.IsForChecksum();
-    for (std::size_t i = 0; i < layout.AttributeCount(); ++i) {
-        const CReadOnlyAttribute& attribute = *layout.AttributeAt(*this, isSorted ? layout.SortedAttributes()[i] : i);
-        if (!attribute.IsEmpty() && !writer.SetAttribute(attribute)) {
-            return false;
-        }
+    if (!writer.SetAttributes(*this, layout)) {
+        return false;
     }
-    const auto& getters = isSorted ? layout.SortedChildren() : layout.Children();
+    const auto& getters = writer.IsForChecksum() ? layout.SortedChildren() : layout.Children();
     return std::all_of(getters.begin(), getters.end(),
                        [&](CElementLayout::TChildGetter get) { return get(*this)->SaveToStream(writer); });
 }
@@ -225,7 +221,7 @@ bool CElementNode::SaveLaidOutContent(CXmlStreamWriter& writer, const CElementLa
 bool CElementNode::SaveContent(CXmlStreamWriter& writer)
 {
     const CElementLayout* layout = ExactLayout();
-    if (layout != nullptr && (!writer.IsForChecksum() || layout->HasOwnNames(*this))) {
+    if (layout != nullptr && layout->HasOwnNames(*this)) {
         return SaveLaidOutContent(writer, *layout);
     }
     // The table itself is never reordered: a checksum sorts a copy.

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
@@ -38,10 +39,10 @@ bool IsAscii(const char* begin, const char* end)
 {
     constexpr std::uint64_t highBits = 0x8080808080808080U;
     std::uint64_t seen = 0;
-    for (; end - begin >= 8; begin += 8) {
-        std::uint64_t bytes = 0;
-        std::memcpy(&bytes, begin, sizeof bytes);
-        seen |= bytes;
+    for (std::array<std::uint64_t, 4> words; end - begin >= static_cast<std::ptrdiff_t>(sizeof words);
+         begin += sizeof words) {
+        std::memcpy(&words, begin, sizeof words);
+        seen |= words[0] | words[1] | words[2] | words[3];
     }
     for (; begin != end; ++begin) {
         seen |= static_cast<std::uint64_t>(static_cast<unsigned char>(*begin));

@@ -3,6 +3,7 @@
 
 #include "TextSink.h"
 
+#include <cstring>
 #include <istream>
 #include <memory>
 #include <ostream>
@@ -49,6 +50,23 @@ public:
     /// @param begin,end the line; valid until the next call and as long as @p storage is left alone.
     /// @param storage holds a line that does not stand in the buffer in one piece.
     TLineResult ReadLine(std::string& storage, const char*& begin, const char*& end);
+
+    /// The same for a line that the buffer holds whole; false for any other.
+    bool TakeLine(const char*& begin, const char*& end)
+    {
+        const auto available = static_cast<std::size_t>(egptr() - gptr());
+        if (available == 0) {
+            return false;
+        }
+        const auto* lineFeed = static_cast<const char*>(std::memchr(gptr(), '\n', available));
+        if (lineFeed == nullptr) {
+            return false;
+        }
+        begin = gptr();
+        end = lineFeed;
+        setg(eback(), gptr() + (lineFeed + 1 - begin), egptr());
+        return true;
+    }
 
     /// Whether all that the buffer holds is ASCII.
     bool IsAscii() const { return m_isAscii; }

@@ -43,6 +43,21 @@ public:
         }
     }
 
+    /// Hands on as many whole blocks of BlockSize characters as were gathered.
+    void DrainBlocks()
+    {
+        char* const begin = m_room.get();
+        const auto gathered = static_cast<std::size_t>(m_cursor - begin);
+        const std::size_t count = gathered - gathered % BlockSize;
+        if (count != 0) {
+            Take(begin, count);
+            std::memcpy(begin, begin + count, gathered - count);
+            m_cursor = begin + (gathered - count);
+        }
+    }
+
+    static constexpr std::size_t BlockSize = 64; // of MD5
+
 protected:
     explicit CTextSink(std::size_t capacity)
         : m_room(new char[capacity]), m_cursor(m_room.get()), m_end(m_cursor + capacity)

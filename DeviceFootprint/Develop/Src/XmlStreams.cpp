@@ -3,6 +3,7 @@
 #include "AttributeNode.h"
 #include "Checksum.h"
 #include "DeviceFootprint.h"
+#include "ElementNode.h"
 #include "FileStreams.h"
 #include "TextSink.h"
 
@@ -51,56 +52,84 @@ constexpr bool IsPlain(wchar_t character)
     }
 }
 
-/// IsPlain() for all that is ASCII.
-struct PlainTable
+/// What the characters below 256 become in a file: themselves, an entity or a decimal reference, six characters at
+/// most.
+class EscapeTable
 {
-    constexpr PlainTable()
+public:
+    constexpr EscapeTable()
     {
-        for (std::size_t i = 0; i < std::size(isPlain); ++i) {
-            isPlain[i] = IsPlain(static_cast<wchar_t>(i));
+        for (std::size_t i = 0; i < std::size(m_rows); ++i) {
+            if (IsPlain(static_cast<wchar_t>(i))) {
+                Append(i, static_cast<char>(i));
+                m_isPlain[i] = 1;
+                continue;
+            }
+            Append(i, '&');
+            Append(i, '#');
+            for (std::size_t unit = i < 10 ? 1 : i < 100 ? 10 : 100; unit != 0; unit /= 10) {
+                Append(i, static_cast<char>('0' + i / unit % 10));
+            }
+            Append(i, ';');
+        }
+        SetEntity('&', "&amp;");
+        SetEntity('<', "&lt;");
+        SetEntity('>', "&gt;");
+        SetEntity('"', "&quot;");
+        SetEntity('\'', "&apos;");
+    }
+
+    static constexpr std::size_t Size = 256;
+
+    /// 1 for a character that stays, 0 for others.
+    constexpr unsigned IsPlainAt(std::uint32_t code) const { return m_isPlain[code]; }
+    char* Put(char* to, std::uint32_t code) const
+    {
+        const Row& row = m_rows[code];
+        std::memcpy(to, row.text, sizeof row.text); // of one size; what comes next goes over what is too much
+        return to + row.length;
+    }
+
+private:
+    struct Row
+    {
+        char text[8] = {};
+        std::uint8_t length = 0;
+    };
+
+    constexpr void Append(std::size_t i, char character) { m_rows[i].text[m_rows[i].length++] = character; }
+    constexpr void SetEntity(char character, const char* text)
+    {
+        const auto i = static_cast<std::size_t>(character);
+        for (m_rows[i].length = 0; *text != '\0'; ++text) {
+            Append(i, *text);
         }
     }
-    bool isPlain[128] = {};
+
+    Row m_rows[Size];
+    std::uint8_t m_isPlain[Size] = {};
 };
 
-/// Writes what a value's character becomes in a file: itself, an entity or a decimal reference.
-char* PutEscaped(char* to, wchar_t character)
-{
-    const auto put = [&to](const char* text) { return std::copy_n(text, std::strlen(text), to); };
-    switch (character) {
-    case L'&':
-        return put("&amp;");
-    case L'<':
-        return put("&lt;");
-    case L'>':
-        return put("&gt;");
-    case L'"':
-        return put("&quot;");
-    case L'\'':
-        return put("&apos;");
-    default:
-        break;
-    }
-    if (IsPlain(character)) {
-        *to = static_cast<char>(character);
-        return to + 1;
-    }
-    to = put("&#");
-    to = std::to_chars(to, to + 10, static_cast<std::uint32_t>(character)).ptr;
-    *to = ';';
-    return to + 1;
-}
-
-/// The same for a whole text; @p to has room for MaxEscapedLength times its length.
+/// Writes what a value becomes in a file.
+/// @param to has room for MaxEscapedLength times its length.
+/// @return behind the last character written.
 char* PutEscaped(char* to, const wchar_t* text, std::size_t length)
 {
-    static constexpr PlainTable table;
+    static constexpr EscapeTable table;
+    // One by one: most values are too short for more at once.
     for (const wchar_t* const end = text + length; text != end; ++text) {
-        if (static_cast<std::uint32_t>(*text) < std::size(table.isPlain) &&
-            table.isPlain[static_cast<std::size_t>(*text)]) {
-            *to++ = static_cast<char>(*text);
+        const auto code = static_cast<std::uint32_t>(*text);
+        if (code < EscapeTable::Size) {
+            if (table.IsPlainAt(code) != 0) {
+                *to++ = static_cast<char>(code);
+            } else {
+                to = table.Put(to, code);
+            }
         } else {
-            to = PutEscaped(to, *text);
+            *to++ = '&';
+            *to++ = '#';
+            to = std::to_chars(to, to + 10, code).ptr;
+            *to++ = ';';
         }
     }
     return to;
@@ -120,46 +149,50 @@ int DigitValue(wchar_t character)
     return std::numeric_limits<int>::max();
 }
 
-/// Reads the digits of a reference, modulo 2^32. False if there is none or anything else among them.
+/// Reads the digits of a reference up to its ";", modulo 2^32.
+/// @return behind the ";"; null if there is no digit, anything else among them, or no ";".
 template<class Char>
-bool ReadNumber(const Char* begin, const Char* end, int base, wchar_t& character)
+const Char* ReadNumber(const Char* digit, const Char* end, int base, wchar_t& character)
 {
-    if (begin >= end) {
-        return false;
-    }
+    const Char* const begin = digit;
     std::uint32_t number = 0;
-    for (const Char* digit = begin; digit != end; ++digit) {
+    for (; digit != end; ++digit) {
         const int value = DigitValue(static_cast<wchar_t>(*digit));
         if (value >= base) {
-            return false;
+            break;
         }
         number = number * static_cast<std::uint32_t>(base) + static_cast<std::uint32_t>(value);
     }
+    if (digit == begin || digit == end || *digit != Char(';')) {
+        return nullptr;
+    }
     character = static_cast<wchar_t>(number);
-    return true;
+    return digit + 1;
 }
 
-/// The character for which the reference from "&" to ";" stands. False if it stands for none and stays as it is.
+/// Reads the reference whose "&" stands before @p text.
+/// @return behind its ";"; null if it stands for no character, and the "&" is just that.
 template<class Char>
-bool ResolveReference(const Char* begin, const Char* end, wchar_t& character)
+const Char* ReadReference(const Char* text, const Char* end, wchar_t& character)
 {
-    const auto length = static_cast<std::size_t>(end - begin);
-    if (length >= 4 && begin[1] == Char('#')) {
-        return begin[2] == Char('x') ? ReadNumber(begin + 3, end - 1, 16, character)
-                                     : ReadNumber(begin + 2, end - 1, 10, character);
+    if (text != end && *text == Char('#')) {
+        ++text;
+        return text != end && *text == Char('x') ? ReadNumber(text + 1, end, 16, character)
+                                                 : ReadNumber(text, end, 10, character);
     }
     for (const XmlEntity& entity : s_XmlEntities) {
-        // No entity begins another one, so a text that agrees up to the length of this one is this one.
-        std::size_t same = 0;
-        while (same < length && static_cast<wchar_t>(begin[same]) == entity.text[same]) {
-            ++same;
+        const wchar_t* expected = entity.text + 1;
+        const Char* cursor = text;
+        while (*expected != L'\0' && cursor != end && static_cast<wchar_t>(*cursor) == *expected) {
+            ++expected;
+            ++cursor;
         }
-        if (same == length && entity.text[same] == L'\0') {
+        if (*expected == L'\0') {
             character = entity.character;
-            return true;
+            return cursor;
         }
     }
-    return false;
+    return nullptr;
 }
 
 /// Writes a value without its references. What replaces one is not looked at again.
@@ -168,22 +201,15 @@ bool ResolveReference(const Char* begin, const Char* end, wchar_t& character)
 template<class Char>
 wchar_t* FromXML(const Char* text, const Char* end, wchar_t* to)
 {
-    const Char* semicolon = text;
-    for (;;) {
-        while (text != end && *text != Char('&')) {
-            *to++ = static_cast<wchar_t>(*text++);
+    while (text != end) {
+        auto character = static_cast<wchar_t>(*text++);
+        if (character == L'&') {
+            const Char* const behind = ReadReference(text, end, character);
+            text = behind != nullptr ? behind : text;
         }
-        if (semicolon <= text) {
-            semicolon = std::find(text, end, Char(';'));
-        }
-        if (semicolon == end) {
-            break; // no reference ends any more
-        }
-        wchar_t character = L'&';
-        text = ResolveReference(text, semicolon + 1, character) ? semicolon + 1 : text + 1;
         *to++ = character;
     }
-    return std::transform(text, end, to, [](Char character) { return static_cast<wchar_t>(character); });
+    return to;
 }
 
 /// The bytes that a name as the writer gives it may hold.
@@ -378,7 +404,12 @@ bool CXmlStreamReader::NextToken()
     m_hasNoChildren = false;
     m_attributesState = eNotTried;
     ++m_lineNumber;
-    if (!ReadLine() || !ValidateToken()) {
+    if (m_file != nullptr && m_file->TakeLine(m_begin, m_end)) {
+        m_isAscii = m_file->IsAscii();
+    } else if (!ReadLine()) {
+        return false;
+    }
+    if (!m_isAscii && !ValidateToken()) {
         return false;
     }
     if (m_begin == m_end) {
@@ -435,7 +466,7 @@ bool CXmlStreamReader::ReadLine()
 /// Tests that the token is UTF-8. If it is not, it becomes empty.
 bool CXmlStreamReader::ValidateToken()
 {
-    m_isAscii = m_isAscii || IsAscii(m_begin, m_end);
+    m_isAscii = IsAscii(m_begin, m_end);
     if (m_isAscii) {
         return true;
     }
@@ -501,9 +532,20 @@ bool CXmlStreamReader::GetAttribute(CReadOnlyAttribute& attribute)
 const char* CXmlStreamReader::SkipOpening(const char* cursor, const char* end, const CNodeName& name)
 {
     const CNodeName::Entry& entry = *name.m_entry;
+    const auto available = static_cast<std::size_t>(end - cursor);
     const std::size_t length = entry.openingLength;
-    return length != 0 && static_cast<std::size_t>(end - cursor) >= length &&
-                   IsSame(cursor, entry.opening.data(), length)
+    if (length == 0 || available < length) {
+        return nullptr;
+    }
+    std::uint64_t first = 0;
+    if (available < sizeof first) {
+        return IsSame(cursor, entry.opening.data(), length) ? cursor + length : nullptr;
+    }
+    // Most of the names that are tried are others, and differ early.
+    std::memcpy(&first, cursor, sizeof first);
+    const bool begins = ((first ^ entry.firstBytes) & entry.firstMask) == 0;
+    return begins && (length <= sizeof first ||
+                      IsSame(cursor + sizeof first, entry.opening.data() + sizeof first, length - sizeof first))
                ? cursor + length
                : nullptr;
 }
@@ -798,38 +840,60 @@ bool CXmlStreamWriter::WriteFirstLine()
 
 void CXmlStreamWriter::CloseStartTag()
 {
+    if (m_sink != nullptr) {
+        m_sink->Advance(PutClose(m_sink->Reserve(ClosePieceSize)));
+        return;
+    }
     const bool isEmpty = m_isEmptyClosePending;
     m_isEmptyClosePending = false;
-    if (m_sink == nullptr) {
-        if (isEmpty) {
-            m_output->WriteNoAddedEndToken();
-        } else {
-            m_output->WriteEndToken();
-        }
-        m_output->WriteNewLine();
+    if (isEmpty) {
+        m_output->WriteNoAddedEndToken();
     } else {
-        m_sink->Put(isEmpty ? "/>\n" : ">\n", isEmpty ? 3 : 2);
+        m_output->WriteEndToken();
     }
+    m_output->WriteNewLine();
 }
 
-/// Writes indentation, "<" or "</", and name.
-void CXmlStreamWriter::WriteTag(const char* opening, std::size_t openingLength, const std::string& name)
+/// Writes the ">" or "/>" and line end that the tag before still lacks.
+char* CXmlStreamWriter::PutClose(char* to)
+{
+    // Of one size; what comes next goes over what is too much.
+    std::memcpy(to, m_isEmptyClosePending ? "/>\n" : ">\n\0", ClosePieceSize);
+    to += m_isEmptyClosePending ? 3 : 2;
+    m_isEmptyClosePending = false;
+    return to;
+}
+
+/// Writes what the tag before still lacks, if there is one, then indentation, "<" or "</", and name.
+void CXmlStreamWriter::WriteTag(bool closesTag, bool isEndTag, const std::string& name)
 {
     const std::size_t indentation = m_openCount * IndentationStep;
-    if (m_sink == nullptr) {
-        m_output->WriteSpaces(indentation);
-        if (openingLength == 1) {
-            m_output->WriteBeginToken();
-        } else {
-            m_output->WriteBeginEndToken();
+    if (m_sink != nullptr) {
+        constexpr std::size_t blanks = 8;
+        char* to = m_sink->Reserve(ClosePieceSize + indentation + blanks + 2 + name.size());
+        if (closesTag) {
+            to = PutClose(to);
         }
-        m_output->WriteNonEmptyString(name);
-    } else {
-        char* to = m_sink->Reserve(indentation + openingLength + name.size());
-        to = std::fill_n(to, indentation, ' ');
-        to = std::copy_n(opening, openingLength, to);
+        for (std::size_t i = 0; i < indentation; i += blanks) {
+            std::memcpy(to + i, "        ", blanks);
+        }
+        to += indentation;
+        *to++ = '<';
+        *to = '/';
+        to += isEndTag ? 1 : 0;
         m_sink->Advance(std::copy(name.begin(), name.end(), to));
+        return;
     }
+    if (closesTag) {
+        CloseStartTag();
+    }
+    m_output->WriteSpaces(indentation);
+    if (isEndTag) {
+        m_output->WriteBeginEndToken();
+    } else {
+        m_output->WriteBeginToken();
+    }
+    m_output->WriteNonEmptyString(name);
 }
 
 bool CXmlStreamWriter::BeginElement(const std::string& name)
@@ -838,10 +902,7 @@ bool CXmlStreamWriter::BeginElement(const std::string& name)
         ++m_openCount;
         return true;
     }
-    if (m_openCount > 0) {
-        CloseStartTag();
-    }
-    WriteTag("<", 1, name);
+    WriteTag(m_openCount > 0, false, name);
     if (m_openCount == m_openElements.size()) {
         m_openElements.emplace_back();
     }
@@ -855,19 +916,16 @@ bool CXmlStreamWriter::EndElement()
     if (m_openCount == 0) {
         return true;
     }
+    --m_openCount;
     if (WritesValuesOnly()) {
-        --m_openCount;
         return true;
     }
     if (m_isStartTagOpen) {
-        --m_openCount;
         m_isStartTagOpen = false;
         m_isEmptyClosePending = true;
         return true;
     }
-    CloseStartTag();
-    --m_openCount;
-    WriteTag("</", 2, m_openElements[m_openCount]);
+    WriteTag(true, true, m_openElements[m_openCount]);
     if (m_openCount == 0) {
         CloseStartTag();
     }
@@ -889,7 +947,7 @@ bool CXmlStreamWriter::SetAttribute(const std::string& name, const std::wstring&
     m_attributeText += "=\"";
     char escaped[MaxEscapedLength];
     for (const wchar_t character : value) {
-        m_attributeText.append(escaped, PutEscaped(escaped, character));
+        m_attributeText.append(escaped, PutEscaped(escaped, &character, 1));
     }
     m_attributeText += '"';
     m_output->WriteNonEmptyString(blank);
@@ -929,29 +987,42 @@ void CXmlStreamWriter::PutAttribute(const CNodeName& name, const std::wstring& v
         PutAttribute(entry.text, value);
         return;
     }
-    char* to = m_sink->Reserve(entry.opening.size() + RoomForValue(value));
+    char* const to = m_sink->Reserve(entry.opening.size() + RoomForValue(value));
     // A fixed length: the value goes over what is too much. The blank is layout, which the checksum does not see.
-    if (m_isForChecksum) {
-        std::memcpy(to, entry.opening.data() + 1, entry.opening.size() - 1);
-        PutValue(to + entry.openingLength - 1, value);
-    } else {
-        std::memcpy(to, entry.opening.data(), entry.opening.size());
-        PutValue(to + entry.openingLength, value);
-    }
+    const std::size_t blank = m_isForChecksum ? 1 : 0;
+    std::memcpy(to, entry.opening.data() + blank, entry.opening.size() - 1);
+    PutValue(to + entry.openingLength - blank, value);
 }
 
 /// Writes value and quote to @p to, where there is RoomForValue(), and makes room for the rest of a long one.
-void CXmlStreamWriter::PutValue(char* to, const std::wstring& value)
+inline void CXmlStreamWriter::PutValue(char* to, const std::wstring& value)
 {
     std::size_t length = std::min(ValuePiece, value.size());
     to = PutEscaped(to, value.data(), length);
-    for (std::size_t begin = length; begin < value.size(); begin += length) {
+    if (length < value.size()) {
         m_sink->Advance(to);
-        length = std::min(ValuePiece, value.size() - begin);
-        to = PutEscaped(m_sink->Reserve(length * MaxEscapedLength + 1), value.data() + begin, length);
+        to = PutRest(value, length);
     }
     *to++ = '"';
     m_sink->Advance(to);
+    if (m_isForChecksum) {
+        // Often: a digest is a chain of steps that wait for each other, and meanwhile the processor works on what
+        // follows.
+        m_sink->DrainBlocks();
+    }
+}
+
+/// Writes a value from its character @p begin on and gives where to go on, with room for a quote.
+char* CXmlStreamWriter::PutRest(const std::wstring& value, std::size_t begin)
+{
+    char* to = nullptr;
+    while (begin < value.size()) {
+        const std::size_t length = std::min(ValuePiece, value.size() - begin);
+        to = PutEscaped(m_sink->Reserve(length * MaxEscapedLength + 1), value.data() + begin, length);
+        m_sink->Advance(to);
+        begin += length;
+    }
+    return to;
 }
 
 bool CXmlStreamWriter::SetAttribute(const CReadOnlyAttribute& attribute)
@@ -965,6 +1036,26 @@ bool CXmlStreamWriter::SetAttribute(const CReadOnlyAttribute& attribute)
         return true;
     }
     return SetAttribute(name, attribute.m_value);
+}
+
+bool CXmlStreamWriter::SetAttributes(const CElementNode& element, const CElementLayout& layout)
+{
+    // The texts of a large document lie far apart in memory: all are asked for before the first is needed.
+    for (const CElementLayout::Attribute& row : layout.Attributes()) {
+        __builtin_prefetch(row.In(element).m_value.data());
+    }
+    for (const CElementLayout::Attribute& row : m_isForChecksum ? layout.SortedAttributes() : layout.Attributes()) {
+        const CReadOnlyAttribute& attribute = row.In(element);
+        if (attribute.IsEmpty()) {
+            continue;
+        }
+        if (m_sink != nullptr) {
+            PutAttribute(attribute.m_name, attribute.m_value);
+        } else if (!SetAttribute(attribute)) {
+            return false;
+        }
+    }
+    return true;
 }
 
 bool CXmlStreamWriter::AddListEntry(const std::string& line, bool first, bool last)
