@@ -80,6 +80,7 @@ private:
         /// The first eight bytes of the opening, and what of them counts: all bits of as many bytes as it has.
         std::uint64_t firstBytes;
         std::uint64_t firstMask;
+        std::uint64_t lastBytes; ///< the last eight, if there are so many
     };
     static const Entry* SharedEntry(const char* text);
 
@@ -109,7 +110,12 @@ public:
     const std::string& GetNodeName() const override;
 
     bool IsEmpty() const { return m_value.empty(); }
-    void Clear() { m_value.clear(); }
+    void Clear()
+    {
+        if (!m_value.empty()) {
+            m_value.clear();
+        }
+    }
     /// The value as it stands, empty if the attribute is absent; never an error. Valid until the next change.
     const std::wstring& GetValue() const { return m_value; }
 

@@ -272,21 +272,20 @@ public:
     bool operator()(const CElementNode& lhs, const CElementNode& rhs, const CComparatorRules& rules) const override
     {
         // Nearly always both are just an L, which is quicker to see than that they are lists of T.
-        if (&typeid(lhs) == &typeid(L) && &typeid(rhs) == &typeid(L)) {
-            return this->CompareInternal(static_cast<const L&>(lhs), static_cast<const L&>(rhs), rules);
+        if (&typeid(lhs) != &typeid(L) || &typeid(rhs) != &typeid(L)) {
+            return CComparatorTyped<CElementNodeList<T>>::operator()(lhs, rhs, rules);
         }
-        return CComparatorTyped<CElementNodeList<T>>::operator()(lhs, rhs, rules);
-    }
-
-    bool CompareInternal(const CElementNodeList<T>& lhs, const CElementNodeList<T>& rhs,
-                         const CComparatorRules& rules) const override
-    {
+        const auto& left = static_cast<const L&>(lhs);
+        const auto& right = static_cast<const L&>(rhs);
         if (&typeid(*this) != &typeid(CListComparatorTyped)) {
-            return CComparatorTyped<CElementNodeList<T>>::CompareInternal(lhs, rhs, rules);
+            return this->CompareInternal(left, right, rules);
         }
-        // Nobody can have an InvokeNodeComparison() of his own here, so nobody needs a lookup.
+        // No derived class has its own way to compare entries here, so nobody needs a lookup.
+        if (left.empty() && right.empty()) {
+            return true;
+        }
         typename CComparatorTyped<CElementNodeList<T>>::CPairing pairing;
-        return pairing.Make(lhs, rhs) && std::all_of(pairing.begin(), pairing.end(), [&rules](const auto& pair) {
+        return pairing.Make(left, right) && std::all_of(pairing.begin(), pairing.end(), [&rules](const auto& pair) {
                    return pair.first->Compare(*pair.second, rules);
                });
     }

@@ -158,8 +158,8 @@ public:
     bool EnterElement();
     void LeaveElement() { --m_depth; }
 
-    /// Loads all attributes of an element that is just of the layout's class, as GetAttribute() of each would. False,
-    /// with some of them loaded, if the token does not give them in the order of the layout.
+    /// Loads all attributes of an element that is just of the layout's class and bears its names, as GetAttribute() of
+    /// each would. False, with some of them loaded, if the token does not give them in the order of the layout.
     bool GetAttributes(CElementNode& element, const CElementLayout& layout);
 
 private:

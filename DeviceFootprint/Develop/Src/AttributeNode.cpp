@@ -46,7 +46,8 @@ std::wstring WidenText(const std::string& text)
     return wide;
 }
 
-CNodeName::Entry::Entry(const char* name) : text(name), opening(), openingLength(0), firstBytes(0), firstMask(0)
+CNodeName::Entry::Entry(const char* name)
+    : text(name), opening(), openingLength(0), firstBytes(0), firstMask(0), lastBytes(0)
 {
     const std::string whole = " " + text + "=\"";
     if (whole.size() < opening.size()) {
@@ -57,6 +58,9 @@ CNodeName::Entry::Entry(const char* name) : text(name), opening(), openingLength
     std::fill_n(mask.begin(), std::min(openingLength, mask.size()), '\xFF');
     std::memcpy(&firstMask, mask.data(), sizeof firstMask);
     std::memcpy(&firstBytes, opening.data(), sizeof firstBytes);
+    if (openingLength >= sizeof lastBytes) {
+        std::memcpy(&lastBytes, opening.data() + openingLength - sizeof lastBytes, sizeof lastBytes);
+    }
 }
 
 /// The one entry of each name. Never freed: objects of static storage may outlive any order of destruction.

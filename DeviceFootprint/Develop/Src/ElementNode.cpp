@@ -144,17 +144,20 @@ void CElementNode::GetAttributeNodes(std::list<CReadOnlyAttribute*>& attributes)
 
 bool CElementNode::Compare(const CElementNode& other, const CComparatorRules& rules) const
 {
+    const CElementLayout* layout = ExactLayout();
+    const bool areOfOneClass = layout != nullptr && layout == other.ExactLayout();
     const std::string& name = GetElementName();
-    const std::string& otherName = other.GetElementName();
-    if (&name != &otherName && name != otherName) {
-        return false;
+    if (!areOfOneClass) {
+        const std::string& otherName = other.GetElementName();
+        if (&name != &otherName && name != otherName) {
+            return false;
+        }
     }
     const CComparatorBase* comparator = rules.Find(name);
     if (comparator != nullptr && !(*comparator)(*this, other, rules)) {
         return false;
     }
-    const CElementLayout* layout = ExactLayout();
-    if (layout != nullptr && layout == other.ExactLayout() && !layout->HasTwins()) {
+    if (areOfOneClass && !layout->HasTwins()) {
         const auto& getters = layout->Children();
         return std::all_of(getters.begin(), getters.end(),
                            [&](CElementLayout::TChildGetter get) { return get(*this)->Compare(*get(other), rules); });

@@ -110,6 +110,22 @@ private:
     std::uint8_t m_isPlain[Size] = {};
 };
 
+/// Writes the decimal reference of a character above those of the table.
+char* PutReference(char* to, std::uint32_t code)
+{
+    char digits[10];
+    char* const end = std::end(digits);
+    char* begin = end;
+    for (; code != 0; code /= 10) {
+        *--begin = static_cast<char>('0' + code % 10);
+    }
+    *to++ = '&';
+    *to++ = '#';
+    to = std::copy(begin, end, to);
+    *to++ = ';';
+    return to;
+}
+
 /// Writes what a value becomes in a file.
 /// @param to has room for MaxEscapedLength times its length.
 /// @return behind the last character written.
@@ -126,10 +142,7 @@ char* PutEscaped(char* to, const wchar_t* text, std::size_t length)
                 to = table.Put(to, code);
             }
         } else {
-            *to++ = '&';
-            *to++ = '#';
-            to = std::to_chars(to, to + 10, code).ptr;
-            *to++ = ';';
+            to = PutReference(to, code);
         }
     }
     return to;
@@ -237,14 +250,39 @@ const char* SkipName(const char* cursor, const char* end)
 /// Skips blanks and tabs. Indentation is blanks, many of them.
 const char* SkipBlanks(const char* cursor, const char* end)
 {
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
     constexpr std::uint64_t eightBlanks = 0x2020202020202020U;
-    for (std::uint64_t bytes = eightBlanks; end - cursor >= 8; cursor += 8) {
+    for (std::uint64_t bytes = 0; end - cursor >= 8; cursor += 8) {
         std::memcpy(&bytes, cursor, sizeof bytes);
         if (bytes != eightBlanks) {
+            cursor += __builtin_ctzll(bytes ^ eightBlanks) / 8;
             break;
         }
     }
+#endif
     while (cursor != end && (*cursor == ' ' || *cursor == '\t')) {
+        ++cursor;
+    }
+    return cursor;
+}
+
+/// The first byte that is a quote, but for the bits that are set in Ignored.
+template<unsigned char Ignored>
+const char* FindQuoteBut(const char* cursor, const char* end)
+{
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    constexpr std::size_t ones = std::numeric_limits<std::size_t>::max() / 0xFF;
+    for (std::size_t word = 0; static_cast<std::size_t>(end - cursor) >= sizeof word; cursor += sizeof word) {
+        std::memcpy(&word, cursor, sizeof word);
+        word = (word & ~(ones * Ignored)) ^ (ones * '"'); // zero in each byte that is one
+        // The highest bit of each byte that is zero, up to the first; those above it say nothing.
+        word = (word - ones) & ~word & (ones * 0x80);
+        if (word != 0) {
+            return cursor + __builtin_ctzll(word) / 8;
+        }
+    }
+#endif
+    while (cursor != end && (*cursor & ~Ignored) != '"') {
         ++cursor;
     }
     return cursor;
@@ -252,45 +290,18 @@ const char* SkipBlanks(const char* cursor, const char* end)
 
 const char* FindQuote(const char* cursor, const char* end)
 {
-    // Values are short: a loop beats a call.
-    while (cursor != end && *cursor != '"') {
-        ++cursor;
-    }
-    return cursor;
-}
-
-/// A machine word with the highest bit of each byte set that equals the one looked for, up to the first such byte;
-/// those above it say nothing.
-template<unsigned char Byte>
-std::size_t MarkBytes(std::size_t word)
-{
-    constexpr std::size_t ones = std::numeric_limits<std::size_t>::max() / 0xFF;
-    word ^= ones * Byte; // zero where it is equal
-    return (word - ones) & ~word & (ones * 0x80);
+    return FindQuoteBut<0>(cursor, end);
 }
 
 /// The same, and whether there is an "&" before the quote.
 const char* FindQuote(const char* cursor, const char* end, bool& hasReference)
 {
-    bool found = false;
-#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
-    for (std::size_t word = 0; static_cast<std::size_t>(end - cursor) >= sizeof word; cursor += sizeof word) {
-        std::memcpy(&word, cursor, sizeof word);
-        const std::size_t quotes = MarkBytes<'"'>(word);
-        const std::size_t references = MarkBytes<'&'>(word);
-        if (quotes != 0) {
-            const std::size_t before = (quotes & (~quotes + 1)) - 1;
-            hasReference = found || (references & before) != 0;
-            return cursor + __builtin_ctzll(quotes) / 8;
-        }
-        found |= references != 0;
-    }
-#endif
-    for (; cursor != end && *cursor != '"'; ++cursor) {
-        found |= *cursor == '&';
-    }
-    hasReference = found;
-    return cursor;
+    // The two differ in one bit. Without it both are the quote, and one search finds which is first.
+    constexpr unsigned char difference = '"' ^ '&';
+    static_assert(('"' & difference) == 0 && (difference & (difference - 1)) == 0);
+    cursor = FindQuoteBut<difference>(cursor, end);
+    hasReference = cursor != end && *cursor == '&';
+    return hasReference ? FindQuote(cursor, end) : cursor;
 }
 
 template<class Word>
@@ -544,8 +555,14 @@ const char* CXmlStreamReader::SkipOpening(const char* cursor, const char* end, c
     // Most of the names that are tried are others, and differ early.
     std::memcpy(&first, cursor, sizeof first);
     const bool begins = ((first ^ entry.firstBytes) & entry.firstMask) == 0;
-    return begins && (length <= sizeof first ||
-                      IsSame(cursor + sizeof first, entry.opening.data() + sizeof first, length - sizeof first))
+    if (!begins || length <= sizeof first) {
+        return begins ? cursor + length : nullptr;
+    }
+    std::uint64_t last = 0;
+    std::memcpy(&last, cursor + length - sizeof last, sizeof last);
+    return last == entry.lastBytes &&
+                   (length <= 2 * sizeof first ||
+                    IsSame(cursor + sizeof first, entry.opening.data() + sizeof first, length - 2 * sizeof first))
                ? cursor + length
                : nullptr;
 }
@@ -558,19 +575,18 @@ bool CXmlStreamReader::GetAttributes(CElementNode& element, const CElementLayout
     if (!FindAttributes(element.GetElementName(), cursor, end)) {
         return false;
     }
-    std::size_t next = 0;
+    auto row = layout.Attributes().begin();
+    const auto lastRow = layout.Attributes().end();
     while (cursor != end) {
-        CReadOnlyAttribute* attribute = nullptr;
         const char* value = nullptr;
-        for (; attribute == nullptr && next < layout.AttributeCount(); ++next) {
-            attribute = layout.AttributeAt(element, next);
-            value = SkipOpening(cursor, end, attribute->m_name);
-            if (value == nullptr) {
-                attribute->m_value.clear();
-                attribute = nullptr;
+        for (; row != lastRow; ++row) {
+            value = SkipOpening(cursor, end, row->name);
+            if (value != nullptr) {
+                break;
             }
+            row->In(element).Clear();
         }
-        if (attribute == nullptr) {
+        if (value == nullptr) {
             return false;
         }
         bool hasReference = false;
@@ -578,11 +594,12 @@ bool CXmlStreamReader::GetAttributes(CElementNode& element, const CElementLayout
         if (quote == end) {
             return false;
         }
-        DecodeValue({value, static_cast<std::size_t>(quote - value)}, hasReference, attribute->m_value);
+        DecodeValue({value, static_cast<std::size_t>(quote - value)}, hasReference, row->In(element).m_value);
         cursor = quote + 1;
+        ++row;
     }
-    for (; next < layout.AttributeCount(); ++next) {
-        layout.AttributeAt(element, next)->m_value.clear();
+    for (; row != lastRow; ++row) {
+        row->In(element).Clear();
     }
     return true;
 }
@@ -689,7 +706,7 @@ void CXmlStreamReader::DecodeValue(const Span& span, bool hasReference, std::wst
         // Made new: growing it would fill it first.
         value = std::wstring(span.begin, end);
     } else if (wchar_t room[256]; span.length <= std::size(room)) {
-        value.assign(std::begin(room), FromXML(span.begin, end, std::begin(room)));
+        value = std::wstring(std::begin(room), FromXML(span.begin, end, std::begin(room)));
     } else {
         value.resize(span.length);
         value.resize(static_cast<std::size_t>(FromXML(span.begin, end, value.data()) - value.data()));
