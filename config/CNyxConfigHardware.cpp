@@ -116,7 +116,8 @@ long CNyxConfig::serialNumber(const std::wstring& text, int count, int index, bo
     if (text.empty()) {
         return 0;
     }
-    const ParsedNumber number = ParseNumber(text.substr(0, 6));
+    constexpr std::size_t digits = 6; // all that counts
+    const ParsedNumber number = text.size() <= digits ? ParseNumber(text) : ParseNumber(text.substr(0, digits));
     m_conversionError = number.error;
     if (number.error != 0 || !number.rest.empty()) {
         std::wostringstream message;

@@ -81,22 +81,15 @@ int HwBoardDescItem::CPartNumberVariant::addPNV(long partNumber, unsigned int va
     std::wstring text = entryText(partNumber, variant);
 
     const QMutexLocker lock(m_mutex.get());
-    // The columns grow first and are filled then, so that they keep together if memory runs out in between.
-    const std::size_t index = m_texts.size();
-    m_partNumbers.resize(index + 1);
-    m_variants.resize(index + 1);
-    m_texts.resize(index + 1);
-    m_partNumbers[index] = partNumber;
-    m_variants[index] = variant;
-    m_texts[index] = std::move(text);
-    return static_cast<int>(index);
+    m_entries.push_back({partNumber, variant, std::move(text)});
+    return static_cast<int>(m_entries.size() - 1);
 }
 
 int HwBoardDescItem::CPartNumberVariant::find(long partNumber, unsigned int variant) const
 {
     const QMutexLocker lock(m_mutex.get());
-    for (std::size_t index = 0; index < m_texts.size(); ++index) {
-        if (m_partNumbers[index] == partNumber && m_variants[index] == variant) {
+    for (std::size_t index = 0; index < m_entries.size(); ++index) {
+        if (m_entries[index].partNumber == partNumber && m_entries[index].variant == variant) {
             return static_cast<int>(index);
         }
     }
@@ -104,35 +97,35 @@ int HwBoardDescItem::CPartNumberVariant::find(long partNumber, unsigned int vari
 }
 
 template<typename Value>
-Value HwBoardDescItem::CPartNumberVariant::entry(const std::vector<Value>& column, unsigned int index, bool* ok) const
+Value HwBoardDescItem::CPartNumberVariant::entry(Value Entry::*column, unsigned int index, bool* ok) const
 {
     const QMutexLocker lock(m_mutex.get());
-    const bool inRange = index < m_texts.size();
+    const bool inRange = index < m_entries.size();
     if (ok != nullptr) {
         *ok = inRange;
     }
-    return inRange ? column[index] : Value();
+    return inRange ? m_entries[index].*column : Value();
 }
 
 long HwBoardDescItem::CPartNumberVariant::getPartNumber(unsigned int index, bool* ok) const
 {
-    return entry(m_partNumbers, index, ok);
+    return entry(&Entry::partNumber, index, ok);
 }
 
 long HwBoardDescItem::CPartNumberVariant::getVariant(unsigned int index, bool* ok) const
 {
-    return static_cast<long>(entry(m_variants, index, ok));
+    return static_cast<long>(entry(&Entry::variant, index, ok));
 }
 
 std::wstring HwBoardDescItem::CPartNumberVariant::getText(unsigned int index, bool* ok) const
 {
-    return entry(m_texts, index, ok);
+    return entry(&Entry::text, index, ok);
 }
 
 unsigned int HwBoardDescItem::CPartNumberVariant::getSize() const
 {
     const QMutexLocker lock(m_mutex.get());
-    return static_cast<unsigned int>(m_texts.size());
+    return static_cast<unsigned int>(m_entries.size());
 }
 
 HwBoardDescItem::HwBoardDescItem()

@@ -55,14 +55,17 @@ public:
 
     private:
         int find(long partNumber, unsigned int variant) const;
+        struct Entry
+        {
+            long partNumber;
+            unsigned int variant;
+            std::wstring text;
+        };
         template<typename Value>
-        Value entry(const std::vector<Value>& column, unsigned int index, bool* ok) const;
+        Value entry(Value Entry::*column, unsigned int index, bool* ok) const;
 
-        // Three columns of one table.
-        std::vector<long> m_partNumbers;
-        std::vector<unsigned int> m_variants;
-        std::vector<std::wstring> m_texts;
-        std::unique_ptr<QMutex> m_mutex; ///< Recursive; held while the columns are read or appended to.
+        std::vector<Entry> m_entries;
+        std::unique_ptr<QMutex> m_mutex; ///< Recursive; held while the entries are read or appended to.
     };
 
     HwBoardDescItem();

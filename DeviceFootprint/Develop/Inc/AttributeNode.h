@@ -65,6 +65,7 @@ public:
     bool operator!=(const CNodeName& other) const { return m_entry != other.m_entry; }
 
 private:
+    friend class CReadOnlyAttribute;
     friend class CXmlStreamReader;
     friend class CXmlStreamWriter;
 
@@ -73,6 +74,8 @@ private:
         explicit Entry(const char* name);
 
         std::string text;
+        /// What reading an empty attribute of the name reports.
+        std::string emptyMessage;
         /// What stands before the attribute's value in a file, ` name="`. Of one size for all names, so that it can be
         /// copied without a look at its length.
         std::array<char, 32> opening;

@@ -26,6 +26,11 @@ std::string TwoDigits(int number)
     return (number < 10 ? "0" : "") + std::to_string(number);
 }
 
+std::string EmptyMessage(const std::string& name)
+{
+    return "Can not access empty attribute \"" + name + "\"!";
+}
+
 } // namespace
 
 std::string NarrowText(const std::wstring& text)
@@ -47,7 +52,8 @@ std::wstring WidenText(const std::string& text)
 }
 
 CNodeName::Entry::Entry(const char* name)
-    : text(name), opening(), openingLength(0), firstBytes(0), firstMask(0), lastBytes(0)
+    : text(name), emptyMessage(EmptyMessage(text)), opening(), openingLength(0), firstBytes(0), firstMask(0),
+      lastBytes(0)
 {
     const std::string whole = " " + text + "=\"";
     if (whole.size() < opening.size()) {
@@ -192,12 +198,9 @@ bool CReadOnlyAttribute::GetInteger(long& value) const
 
 bool CReadOnlyAttribute::EmptyGetError() const
 {
-    // Made in one piece: mappings read absent attributes by the thousand.
-    const std::string& name = GetNodeName();
-    std::string message;
-    message.reserve(name.size() + 40);
-    message.append("Can not access empty attribute \"").append(name).append("\"!");
-    return CDeviceFootprint::SetLastError(message);
+    // Ready-made: mappings read absent attributes by the thousand.
+    const std::string& name = GetNodeName(); // virtual: an attribute class may have a name of its own
+    return CDeviceFootprint::SetLastError(&name == &m_name.Text() ? m_name.m_entry->emptyMessage : EmptyMessage(name));
 }
 
 bool CReadOnlyAttribute::IsEqual(const CReadOnlyAttribute& other, bool emptiesAreEqual) const
