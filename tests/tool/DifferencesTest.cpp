@@ -648,10 +648,15 @@ TEST_F(DifferencesTest, EntriesArePairedByIdentity)
 TEST_F(DifferencesTest, EntriesOfOneEntity)
 {
     for (CDeviceFootprint* document : {&m_old, &m_new}) {
-        for (const char* version : {"1", "2", "3"}) {
-            CSoftware& package = document->m_softwareData.m_softwareList.CreateEntry();
-            package.m_name = "twin";
-            package.m_version = version;
+        CSoftwareList& packages = document->m_softwareData.m_softwareList;
+        for (int i = 0; i < 3; ++i) {
+            packages.CreateEntry().m_name = "twin";
+        }
+        // Of several partners the one at the lowest address is taken, which here is to be the first.
+        packages.sort([](const CSoftware& lhs, const CSoftware& rhs) { return std::less<>()(&lhs, &rhs); });
+        long version = 0;
+        for (CSoftware& package : packages) {
+            package.m_version = ++version;
         }
     }
     const std::string list = "/DeviceFootprint/SoftwareData/SoftwareList";
