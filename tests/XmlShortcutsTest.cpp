@@ -58,13 +58,22 @@ public:
     }
 };
 
+/// An attribute that does not take the name that it is given.
+class CStubbornAttribute : public CAttribute
+{
+public:
+    explicit CStubbornAttribute(const CNodeName& /*name*/) : CAttribute("yankee") {}
+    using CAttribute::operator=;
+};
+
 class COwnNames : public CElement<COwnNames>
 {
     DFP_ELEMENT(COwnNames, "OwnNames")
 
 public:
     DFP_ATTRIBUTE_OF(CNamedAttribute, first);
-    DFP_ATTRIBUTE(second);
+    DFP_ATTRIBUTE_OF(CStubbornAttribute, second);
+    DFP_ATTRIBUTE(third);
     DFP_ELEMENT_END
 };
 
@@ -184,14 +193,18 @@ TEST(XmlShortcutsTest, NamesThatFillTheirRoomAreReadAndWritten)
 
 TEST(XmlShortcutsTest, AnAttributeClassHasTheLastWordOnItsName)
 {
-    const std::string tag = "<OwnNames zulu=\"1\" second=\"2\"";
+    const std::string tag = "<OwnNames zulu=\"1\" yankee=\"2\" third=\"3\"";
     COwnNames element;
     ASSERT_TRUE(LoadText(element, tag + "/>\n</Parent>\n"));
     EXPECT_EQ(element.m_first.GetValue(), L"1");
+    EXPECT_EQ(element.m_second.GetValue(), L"2");
+    EXPECT_EQ(element.m_third.GetValue(), L"3");
     COwnNames copy = Copied(element);
     EXPECT_EQ(SaveText(copy), tag);
-    ASSERT_TRUE(LoadText(element, "<OwnNames first=\"1\" second=\"2\"/>\n</Parent>\n"));
+    ASSERT_TRUE(LoadText(element, "<OwnNames first=\"1\" second=\"2\" third=\"3\"/>\n</Parent>\n"));
     EXPECT_EQ(element.m_first.GetValue(), L"");
+    EXPECT_EQ(element.m_second.GetValue(), L"");
+    EXPECT_EQ(element.m_third.GetValue(), L"3");
 }
 
 TEST(XmlShortcutsTest, TheChecksumSortsByTheNamesThatAttributesHave)
@@ -200,9 +213,10 @@ TEST(XmlShortcutsTest, TheChecksumSortsByTheNamesThatAttributesHave)
     CFootprintWithChildren footprint;
     footprint.m_ownNames.m_first = "1";
     footprint.m_ownNames.m_second = "2";
+    footprint.m_ownNames.m_third = "3";
     CMD5Checksum algorithm;
     algorithm.init();
-    algorithm.add(std::string("formatVersion=\"02.06\"second=\"2\"zulu=\"1\""));
+    algorithm.add(std::string("formatVersion=\"02.06\"third=\"3\"yankee=\"2\"zulu=\"1\""));
     CMD5ChecksumContainer expected;
     ASSERT_TRUE(algorithm.finalize(expected));
     std::string text;

@@ -47,7 +47,7 @@ public:
     /// What a class leaves to the library, so that the walks know it without asking.
     struct Traits
     {
-        bool ownsNames;      ///< no attribute class has a GetNodeName() of its own
+        bool ownsNames;      ///< all attributes are of classes of the library
         bool plainEmptiness; ///< the class has no IsEmpty() and IsOptional() of its own
     };
 

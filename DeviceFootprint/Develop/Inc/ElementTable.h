@@ -110,19 +110,13 @@ struct HasTag<Child, std::void_t<decltype(Child::Tag)>> : std::true_type
 {
 };
 
-/// Whether an attribute class leaves the name to the library. The type of an overridden operation tells its class.
-template<class Member, class = void>
-struct HasPlainName : std::false_type
-{
-};
-
+/// Whether an attribute class is one of the library's, which bear the name that they are given.
 template<class Member>
-struct HasPlainName<Member, std::void_t<decltype(&Member::GetNodeName)>>
-    : std::is_same<decltype(&Member::GetNodeName), decltype(&CReadOnlyAttribute::GetNodeName)>
-{
-};
+using HasPlainName = std::disjunction<std::is_same<Member, CAttribute>, std::is_same<Member, CReadOnlyAttribute>,
+                                      std::is_same<Member, CTimeAttribute>>;
 
-/// Whether an element class leaves it to the library to say when it is empty and left out.
+/// Whether an element class leaves it to the library to say when it is empty and left out. The type of an operation
+/// tells the class that has it.
 template<class Element, class = void>
 struct HasPlainEmptiness : std::false_type
 {
