@@ -75,9 +75,8 @@ private:
     /// Tells names apart by what is quick to see: their length, and the characters at both ends.
     static std::size_t QuickHash(const std::string& name)
     {
-        return name.empty() ? 0
-                            : name.size() + 3 * static_cast<unsigned char>(name.front()) +
-                                  7 * static_cast<unsigned char>(name.back());
+        const auto code = [](char character) { return std::size_t{static_cast<unsigned char>(character)}; };
+        return name.empty() ? 0 : name.size() + 3 * code(name.front()) + 7 * code(name.back());
     }
     std::size_t FindSlot(const std::string& name) const;
     void GrowIndex();
