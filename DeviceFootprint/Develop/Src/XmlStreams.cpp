@@ -8,7 +8,6 @@
 #include "TextSink.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstring>
 #include <cwchar>
 #include <istream>
