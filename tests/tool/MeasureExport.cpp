@@ -1,10 +1,10 @@
-// usage: measure_export FOLDER OUTPUT
+// usage: measure_export FOLDER OUTPUT PROGRAM
 //
-// Measures the export of the footprints below FOLDER into the database OUTPUT against the time that the library alone
-// takes to load them, then again with nothing to do, and once more interrupted half-way. OUTPUT is made anew. To be run
-// on a machine with nothing else to do: the time of all cores counts.
+// Measures how long PROGRAM, the command-line tool, exports the footprints below FOLDER into the database OUTPUT,
+// against the time that the library alone takes to load them in a program that has nothing but the C library's
+// allocator; then again with nothing to do, and once more interrupted half-way. OUTPUT is made anew. To be run on a
+// machine with nothing else to do: the time of all cores counts.
 
-#include "ExportRun.h"
 #include "ExportTables.h"
 #include "Loading.h"
 #include "Sqlite.h"
@@ -15,7 +15,6 @@
 #include <filesystem>
 #include <functional>
 #include <iostream>
-#include <sstream>
 #include <string>
 
 #include <sched.h>
@@ -77,15 +76,14 @@ std::string Counts(const std::string& database)
 
 int main(int argc, char** argv)
 {
-    if (argc != 3) {
-        std::cerr << "usage: measure_export FOLDER OUTPUT\n";
+    if (argc != 4) {
+        std::cerr << "usage: measure_export FOLDER OUTPUT PROGRAM\n";
         return 2;
     }
     const footprint::CLibraryTalk talk;
     const std::string folder = argv[1];
-    footprint::CExportOptions options;
-    options.paths = {folder};
-    options.output = argv[2];
+    const std::string output = argv[2];
+    const std::string program = argv[3];
     std::size_t count = 0;
     std::uintmax_t bytes = 0;
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
@@ -105,8 +103,9 @@ int main(int argc, char** argv)
         return 0;
     };
     const auto exported = [&] {
-        std::ostringstream none;
-        return static_cast<int>(footprint::RunExport(options, {none, std::cerr}));
+        execl(program.c_str(), program.c_str(), "export", folder.c_str(), "--format", "sqlite", "-o", output.c_str(),
+              nullptr);
+        return 2;
     };
     cpu_set_t set;
     sched_getaffinity(0, sizeof set, &set);
@@ -117,24 +116,23 @@ int main(int argc, char** argv)
     std::printf("%zu files of %.0f bytes on the average, %d cores\n", count, static_cast<double>(bytes) / files, cores);
     std::printf("library alone: %.2f s on one core, %.3f ms a file\n", library.wall, library.wall / files * 1e3);
 
-    fs::remove(options.output);
+    fs::remove(output);
     const CMeasured first = Measure(exported);
     std::printf("export: %.2f s, %.0f files a second, %.0f a second and core; processor %.2f s, peak %.1f MB\n",
                 first.wall, files / first.wall, files / first.wall / cores, first.processor, first.peak);
     std::printf("ratio: %.2f by wall time x cores, %.2f by processor time\n", first.wall * cores / library.wall,
                 first.processor / library.processor);
-    const std::string counts = Counts(options.output);
-    std::printf("%s; %.0f MB\n", counts.c_str(), static_cast<double>(fs::file_size(options.output)) / 1e6);
+    const std::string counts = Counts(output);
+    std::printf("%s; %.0f MB\n", counts.c_str(), static_cast<double>(fs::file_size(output)) / 1e6);
 
     const CMeasured again = Measure(exported);
     std::printf("again, nothing changed: %.2f s, peak %.1f MB\n", again.wall, again.peak);
 
-    fs::remove(options.output);
-    options.commitInterval = std::chrono::milliseconds(static_cast<long>(first.wall * 100));
+    fs::remove(output);
     Measure(exported, first.wall / 2);
     const CMeasured rest = Measure(exported);
     std::printf("interrupted after %.2f s, then the rest in %.2f s\n", first.wall / 2, rest.wall);
-    const bool isSame = Counts(options.output) == counts;
+    const bool isSame = Counts(output) == counts;
     std::printf("the content is %s\n", isSame ? "the same" : "ANOTHER ONE");
     return library.status == 0 && first.status == 0 && rest.status == 0 && isSame ? 0 : 1;
 }

@@ -609,6 +609,25 @@ TEST_F(ToolExportTest, HostileFileNamesStayNames)
     }
 }
 
+TEST_F(ToolExportTest, LongNamesDoNotStopIt)
+{
+    std::string folder = m_fleet;
+    while (folder.size() < 3500) {
+        folder += "/" + std::string(250, 'f');
+    }
+    fs::create_directories(folder);
+    // Large enough for the process that loads to wait with its answers.
+    const std::string footprint = Footprint(1, [](CDeviceFootprint& document) {
+        document.m_hardwareData.m_hardwareList.CreateEntry().m_name = std::wstring(40000, L'n');
+    });
+    for (unsigned number = 0; number < 300; ++number) {
+        WriteFile(folder + "/" + Name(number), footprint);
+    }
+    m_options.jobs = 1;
+    EXPECT_THAT(Export(m_options).messages, HasSubstr("300 files: 300 read"));
+    EXPECT_THAT(Export(m_options).messages, HasSubstr("300 files: 0 read, 300 unchanged"));
+}
+
 TEST_F(ToolExportTest, TextFormsAreRenewedOnlyWhenSomethingChanged)
 {
     WriteFleet(5);

@@ -99,8 +99,10 @@ void CExportDatabase::Prepare()
         m_database, "UPDATE files SET size=?, modified=?, changed=?, error=? WHERE file_key=?");
     for (const CExportTable& table : ExportTables()) {
         m_incoming.push_back(std::make_unique<CIncomingTable>(m_database, table));
-        m_insertRows.emplace_back(m_database,
-                                  "INSERT INTO " + table.name + " SELECT * FROM " + CIncomingTable::Name(table));
+        // Whatever goes wrong ends the export, and with it the transaction. Knowing that, SQLite keeps no copy of the
+        // pages to undo just this statement, which would be more to write than the rows themselves.
+        m_insertRows.emplace_back(m_database, "INSERT OR ROLLBACK INTO " + table.name + " SELECT * FROM " +
+                                                  CIncomingTable::Name(table));
         m_dropRows.emplace_back(m_database, "DELETE FROM " + table.name + " WHERE " + table.columns.front().name +
                                                 " BETWEEN ? AND ?");
     }
@@ -139,13 +141,16 @@ void CExportDatabase::Store(const std::vector<CExportAnswer>& answers)
         const std::int64_t file = StoreFile(answer);
         for (std::size_t table = 0; table < eExportTableCount; ++table) {
             if (answer.tables[table].size != 0) {
-                m_incoming[table]->m_files.push_back({file, answer.tables[table]});
+                m_incoming[table]->m_files.push_back({file, answer.task.formerKey == 0, answer.tables[table]});
             }
         }
     }
     for (std::size_t table = 0; table < eExportTableCount; ++table) {
         if (!m_incoming[table]->m_files.empty()) {
             m_insertRows[table].Run();
+            if (sqlite3_last_insert_rowid(m_database.Handle()) != m_incoming[table]->m_lastKey) {
+                throw std::runtime_error("the database has counted " + ExportTables()[table].name + " in another way");
+            }
         }
     }
     if (std::chrono::steady_clock::now() - m_begun > m_commitInterval) {

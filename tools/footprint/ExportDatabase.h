@@ -20,7 +20,7 @@ namespace footprint
 /**
  * The database that an export makes or brings up to date.
  *
- * What was stored is committed every few seconds, and a file with all its rows at once: after an interruption the
+ * What was stored is committed every second, and a file with all its rows at once: after an interruption the
  * database holds whole files, and the next export goes on with the others. While it is open, nobody else can use it.
  */
 class CExportDatabase
@@ -68,7 +68,7 @@ public:
     ///@}
 
     /// After how long what was stored is committed: what an interruption can cost.
-    std::chrono::milliseconds m_commitInterval{5000};
+    std::chrono::milliseconds m_commitInterval{1000};
     /// What to store in place of a file's path.
     std::function<std::string(const std::string& path)> m_shownPath;
 

@@ -16,19 +16,21 @@ namespace
 
 struct CTable : sqlite3_vtab
 {
-    explicit CTable(const CIncomingTable& source) : sqlite3_vtab(), incoming(&source) {}
-    const CIncomingTable* incoming;
+    explicit CTable(CIncomingTable& source) : sqlite3_vtab(), incoming(&source) {}
+    CIncomingTable* incoming;
 };
 
 struct CCursor : sqlite3_vtab_cursor
 {
-    explicit CCursor(const CIncomingTable& source) : sqlite3_vtab_cursor(), incoming(&source), reader(source.Table()) {}
+    explicit CCursor(CIncomingTable& source) : sqlite3_vtab_cursor(), incoming(&source), reader(source.Table()) {}
 
     /// Goes to the next row, of the same file or of one behind it.
     void Next()
     {
         ++row;
+        isFirst = false;
         while (!reader.Next()) {
+            isFirst = true;
             ++file;
             if (file >= incoming->m_files.size()) {
                 return;
@@ -37,10 +39,11 @@ struct CCursor : sqlite3_vtab_cursor
         }
     }
 
-    const CIncomingTable* incoming;
+    CIncomingTable* incoming;
     CExportRowReader reader;
     std::size_t file = 0;
     std::int64_t row = 0;
+    bool isFirst = true; ///< of its file
 };
 
 /// SQLite's part never sees an exception.
@@ -62,7 +65,7 @@ int Connect(sqlite3* database, void* context, int /*count*/, const char* const* 
             char** /*error*/)
 {
     try {
-        const auto& incoming = *static_cast<const CIncomingTable*>(context);
+        auto& incoming = *static_cast<CIncomingTable*>(context);
         std::string declaration;
         for (const CExportColumn& column : incoming.Table().columns) {
             declaration += (declaration.empty() ? "CREATE TABLE x(" : ", ") + column.name;
@@ -109,6 +112,7 @@ int Filter(sqlite3_vtab_cursor* cursor, int /*number*/, const char* /*name*/, in
         self.row = 0;
         self.reader.Start(self.incoming->m_files.empty() ? CBytes{} : self.incoming->m_files.front().rows);
         self.Next();
+        self.isFirst = true;
     });
 }
 
@@ -127,30 +131,31 @@ int Column(sqlite3_vtab_cursor* cursor, sqlite3_context* context, int number)
 {
     const auto& self = *static_cast<CCursor*>(cursor);
     const auto column = static_cast<std::size_t>(number);
-    const std::int64_t file = self.incoming->m_files[self.file].file;
-    switch (self.incoming->Table().columns[column].kind) {
-    case EExportColumn::eFile:
-        sqlite3_result_int64(context, file);
-        break;
-    case EExportColumn::eNumber:
-        sqlite3_result_int64(context, self.reader.Number(column));
-        break;
-    case EExportColumn::eOwnKey:
-    case EExportColumn::eKey: {
-        const std::uint32_t key = self.reader.Number(column);
-        if (key != 0) {
-            sqlite3_result_int64(context, ExportKey(file, key));
-        }
-        break;
-    }
-    case EExportColumn::eText: {
+    const EExportColumn kind = self.reader.Kind(column);
+    if (kind == EExportColumn::eText) {
         const CBytes text = self.reader.Text(column);
         if (text.begin != nullptr) {
             // The bytes outlive the statement, which copies them into the row that it stores.
             sqlite3_result_text(context, text.begin, static_cast<int>(text.size), SQLITE_STATIC);
         }
-        break;
+        return SQLITE_OK;
     }
+    const CIncomingRows& rows = self.incoming->m_files[self.file];
+    if (kind == EExportColumn::eFile) {
+        sqlite3_result_int64(context, rows.file);
+        return SQLITE_OK;
+    }
+    const std::uint32_t value = self.reader.Number(column);
+    if (kind == EExportColumn::eNumber) {
+        sqlite3_result_int64(context, value);
+    } else if (kind == EExportColumn::eOwnKey) {
+        self.incoming->m_lastKey = ExportKey(rows.file, value);
+        // Where the next number is the right one, the database need not look for the place of the row.
+        if (self.isFirst || !rows.isNew) {
+            sqlite3_result_int64(context, self.incoming->m_lastKey);
+        }
+    } else if (value != 0) {
+        sqlite3_result_int64(context, ExportKey(rows.file, value));
     }
     return SQLITE_OK;
 }

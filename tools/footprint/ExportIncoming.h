@@ -16,6 +16,7 @@ namespace footprint
 struct CIncomingRows
 {
     std::int64_t file = 0; ///< its number
+    bool isNew = false;    ///< no row of the table has a larger key: the first row has its key, the others follow it
     CBytes rows;
 };
 
@@ -33,6 +34,8 @@ public:
     static std::string Name(const CExportTable& table) { return "incoming_" + table.name; }
 
     std::vector<CIncomingRows> m_files;
+    /// The key that the last row of the last statement is to have.
+    std::int64_t m_lastKey = 0;
 
     const CExportTable& Table() const { return *m_table; }
 

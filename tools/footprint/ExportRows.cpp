@@ -17,6 +17,11 @@ using namespace KvDeviceFootprint;
 /// Lengths below this one take a byte; other ones four bytes behind this one.
 constexpr unsigned char longText = 255;
 
+constexpr std::size_t LengthSize(std::size_t length)
+{
+    return length < longText ? 1 : 1 + sizeof(std::uint32_t);
+}
+
 void AppendUtf8(std::string& bytes, std::uint32_t character)
 {
     constexpr std::uint32_t replacement = 0xFFFD;
@@ -219,18 +224,17 @@ void CExportRows::Number(std::uint32_t number)
 }
 
 /// @return where the text is to be put.
-char* CExportRows::PutLength(std::size_t length)
+inline char* CExportRows::PutLength(std::size_t length)
 {
+    char* const place = m_current->Append(LengthSize(length) + length);
     if (length < longText) {
-        char* const place = m_current->Append(1 + length);
         *place = static_cast<char>(length);
-        return place + 1;
+    } else {
+        const auto number = static_cast<std::uint32_t>(length);
+        *place = static_cast<char>(longText);
+        std::memcpy(place + 1, &number, sizeof number);
     }
-    const auto number = static_cast<std::uint32_t>(length);
-    char* const place = m_current->Append(1 + sizeof number + length);
-    *place = static_cast<char>(longText);
-    std::memcpy(place + 1, &number, sizeof number);
-    return place + 1 + sizeof number;
+    return place + LengthSize(length);
 }
 
 void CExportRows::Text(const std::string& text)
@@ -240,18 +244,17 @@ void CExportRows::Text(const std::string& text)
 
 void CExportRows::Text(const std::wstring& text)
 {
-    std::uint32_t all = 0;
-    bool hasZero = false;
+    // Nearly all texts are ASCII, and short: they are taken as such, and back if one is not.
+    char* place = PutLength(text.size());
+    bool isAscii = true;
     for (const wchar_t character : text) {
-        all |= static_cast<std::uint32_t>(character);
-        hasZero = hasZero || character == 0;
+        isAscii = isAscii && character > 0 && character < 0x80;
+        *place++ = static_cast<char>(character);
     }
-    // Nearly all texts are ASCII.
-    if (all < 0x80 && !hasZero) {
-        std::transform(text.begin(), text.end(), PutLength(text.size()),
-                       [](wchar_t character) { return static_cast<char>(character); });
+    if (isAscii) {
         return;
     }
+    m_current->Drop(LengthSize(text.size()) + text.size());
     m_utf8.clear();
     for (const wchar_t character : text) {
         AppendUtf8(m_utf8, static_cast<std::uint32_t>(character));
@@ -267,35 +270,41 @@ void CExportRows::Clear()
     m_counts.fill(0);
 }
 
+CExportRowReader::CExportRowReader(const CExportTable& table) : m_fields(table.columns.size())
+{
+    for (const CExportColumn& column : table.columns) {
+        m_kinds.push_back(column.kind);
+    }
+}
+
 bool CExportRowReader::Next()
 {
     if (m_rows.size == 0) {
         return false;
     }
-    const auto take = [this](std::size_t size) {
-        if (size > m_rows.size) {
+    const char* place = m_rows.begin;
+    const char* const end = m_rows.begin + m_rows.size;
+    const auto take = [&place, end](std::size_t size) {
+        if (size > static_cast<std::size_t>(end - place)) {
             throw std::runtime_error("rows are cut off");
         }
-        const CBytes taken{m_rows.begin, size};
-        m_rows.begin += size;
-        m_rows.size -= size;
-        return taken;
+        place += size;
+        return CBytes{place - size, size};
     };
-    for (std::size_t column = 0; column < m_fields.size(); ++column) {
-        const EExportColumn kind = (*m_columns)[column].kind;
-        if (kind == EExportColumn::eFile) {
-            continue;
+    CBytes* field = m_fields.data();
+    for (const EExportColumn kind : m_kinds) {
+        if (kind == EExportColumn::eText) {
+            std::uint32_t length = static_cast<unsigned char>(*take(1).begin);
+            if (length == longText) {
+                std::memcpy(&length, take(sizeof length).begin, sizeof length);
+            }
+            *field = length == 0 ? CBytes{} : take(length);
+        } else if (kind != EExportColumn::eFile) {
+            *field = take(sizeof(std::uint32_t));
         }
-        if (kind != EExportColumn::eText) {
-            m_fields[column] = take(sizeof(std::uint32_t));
-            continue;
-        }
-        std::uint32_t length = static_cast<unsigned char>(*take(1).begin);
-        if (length == longText) {
-            std::memcpy(&length, take(sizeof length).begin, sizeof length);
-        }
-        m_fields[column] = length == 0 ? CBytes{} : take(length);
+        ++field;
     }
+    m_rows = {place, static_cast<std::size_t>(end - place)};
     return true;
 }
 

@@ -40,6 +40,9 @@ public:
         return m_bytes.get() + m_size - count;
     }
 
+    /// Takes the last bytes back.
+    void Drop(std::size_t count) { m_size -= count; }
+
 private:
     void Grow(std::size_t count);
 
@@ -81,19 +84,20 @@ private:
 class CExportRowReader
 {
 public:
-    explicit CExportRowReader(const CExportTable& table) : m_columns(&table.columns), m_fields(table.columns.size()) {}
+    explicit CExportRowReader(const CExportTable& table);
 
     void Start(CBytes rows) { m_rows = rows; }
     /// Goes to the next row; false behind the last.
     /// @throw std::runtime_error if the bytes are no rows.
     bool Next();
+    EExportColumn Kind(std::size_t column) const { return m_kinds[column]; }
     /// The number of a key or number, 0 for null.
     std::uint32_t Number(std::size_t column) const;
     /// A text; without a beginning if it is null.
     CBytes Text(std::size_t column) const { return m_fields[column]; }
 
 private:
-    const std::vector<CExportColumn>* m_columns;
+    std::vector<EExportColumn> m_kinds;
     CBytes m_rows;
     std::vector<CBytes> m_fields; // of the present row
 };

@@ -20,7 +20,7 @@ struct CExportOptions
     std::string output;            ///< a file for sqlite, otherwise a folder; empty: NDJSON to standard output
     std::size_t jobs = 0;          ///< processes that load files; 0: one for each core
     std::chrono::milliseconds timeout{60000};       ///< for one file
-    std::chrono::milliseconds commitInterval{5000}; ///< what an interruption can cost
+    std::chrono::milliseconds commitInterval{1000}; ///< what an interruption can cost
     bool redact = false;
     bool verify = false; ///< takes a file with a wrong checksum for damaged
     TExportLoader load;  ///< empty: LoadFootprint()

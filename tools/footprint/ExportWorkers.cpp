@@ -10,7 +10,6 @@
 #include <utility>
 
 #include <fcntl.h>
-#include <malloc.h>
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
@@ -26,20 +25,10 @@ namespace
 
 using TClock = std::chrono::steady_clock;
 
-/// A process that loads makes and frees one document after the other, each of thousands of small blocks: without this
-/// the C library gives the memory back to the system, and merges all free blocks, between any two of them.
-void KeepMemory()
-{
-#if defined(__GLIBC__)
-    mallopt(M_TRIM_THRESHOLD, 64 << 20);
-    mallopt(M_TOP_PAD, 1 << 20);
-    mallopt(M_MXFAST, 0);
-#endif
-}
-
-/// Files that a process has before it. Few enough for their names to fit into the socket, so that giving one to it
-/// never waits.
-constexpr std::size_t filesAhead = 12;
+/// Files that a process has before it: enough for the time that storing what all processes have answered takes, and few
+/// enough for their names to fit into the socket, so that giving one to it never waits.
+constexpr std::size_t filesAhead = 48;
+constexpr std::size_t namesAhead = 1 << 15; // bytes
 constexpr int pipeSize = 1 << 20;
 constexpr std::size_t readSize = 1 << 18;
 constexpr std::size_t longestError = 4096;
@@ -199,7 +188,7 @@ public:
     ~CWorker() { End(SIGKILL); }
 
     bool IsRunning() const { return m_process > 0; }
-    bool IsFull() const { return m_files.size() >= filesAhead; }
+    bool IsFull() const { return m_files.size() >= filesAhead || m_names >= namesAhead; }
     bool IsIdle() const { return m_files.empty(); }
     int Answers() const { return m_answers; }
 
@@ -224,8 +213,9 @@ public:
             // A process that hangs ends with the export, too.
             prctl(PR_SET_PDEATHSIG, SIGKILL);
             if (getppid() == parent) {
-                KeepMemory();
                 CloseOthers(requests[1], answers[1]);
+                // The one process that stores is what all of them wait for: it goes first.
+                [[maybe_unused]] const int priority = nice(5);
                 Work(requests[1], answers[1]);
             }
             _exit(0);
@@ -252,6 +242,7 @@ public:
         const auto size = static_cast<std::uint32_t>(task.path.size());
         std::string request(reinterpret_cast<const char*>(&size), sizeof size);
         request += task.path;
+        m_names += task.path.size();
         m_files.push_back(std::move(task));
         while (send(m_requests, request.data(), request.size(), MSG_NOSIGNAL) < 0 && errno == EINTR) {
         }
@@ -302,6 +293,7 @@ public:
             }
             answer.task = std::move(m_files.front());
             m_files.pop_front();
+            m_names -= answer.task.path.size();
             answers.push_back(std::move(answer));
             m_begin += static_cast<std::size_t>(size);
             m_since = TClock::now();
@@ -346,7 +338,11 @@ public:
     }
 
     /// The files that it was given and did not answer; the first of them it was just loading.
-    std::deque<CExportTask> TakeFiles() { return std::exchange(m_files, {}); }
+    std::deque<CExportTask> TakeFiles()
+    {
+        m_names = 0;
+        return std::exchange(m_files, {});
+    }
 
 private:
     void Work(int requests, int answers) const
@@ -375,6 +371,7 @@ private:
     int m_requests = -1;
     int m_answers = -1;
     std::deque<CExportTask> m_files;
+    std::size_t m_names = 0;    // bytes in their names
     TClock::time_point m_since; // when the first of them was begun
     std::vector<char> m_buffer;
     std::size_t m_begin = 0;
@@ -403,6 +400,7 @@ void CExportWorkers::Run(const TNext& next, const TStore& store)
         answers.clear();
         Collect(200, answers);
         if (!answers.empty()) {
+            Feed(next); // for the processes go on meanwhile
             store(answers);
             for (CWorker& worker : m_workers) {
                 worker.Trim();
