@@ -16,14 +16,20 @@ void AddExport(CLI::App& program, TCommand& selected)
     command->add_option("PATH", options->paths, "Footprint files, or folders with such files in them and below")
         ->required();
     command->add_option("-f,--format", options->format, "sqlite: a database; ndjson, csv: a file for each table")
+        ->type_name("FORM")
         ->check(CLI::IsMember({"sqlite", "ndjson", "csv"}))
         ->capture_default_str();
-    command->add_option("-o,--output", options->output,
-                        "The database, or the folder for the files; ndjson goes to standard output without it");
-    command->add_option("-j,--jobs", options->jobs, "Processes that load files; one for each core if not given")
-        ->check(CLI::Range(1, 1024));
-    command->add_option("--timeout", *seconds, "Seconds after which loading a file is given up")
-        ->check(CLI::Range(0.1, 86400.0))
+    command
+        ->add_option("-o,--output", options->output,
+                     "The database, or the folder for the files; ndjson goes to standard output without it")
+        ->type_name("OUT");
+    command
+        ->add_option("-j,--jobs", options->jobs, "Processes that load files, 1 to 1024; one for each core if not given")
+        ->type_name("NUMBER")
+        ->check(CLI::Range(1, 1024).description(""));
+    command->add_option("--timeout", *seconds, "After so many seconds loading a file is given up, 0.1 to 86400")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(0.1, 86400.0).description(""))
         ->capture_default_str();
     command->add_flag("--verify", options->verify, "Take files with a wrong checksum for damaged");
     command->add_flag("--redact", options->redact,
