@@ -134,6 +134,21 @@ TEST_F(ToolHistoryTest, StepByStep)
     EXPECT_EQ(data["entries"][2]["deciding"][0]["rule"]["element"], "MaintenanceData");
 }
 
+TEST_F(ToolHistoryTest, DatesInNamesThatWereGivenByHand)
+{
+    Add("2020-01-03T00:00:00");
+    Add("2020-01-01T00:00:00");
+    const std::string text = ReadFile(m_folder / Name("2020-01-01T00:00:00"));
+    WriteFile(m_folder / "DeviceFootprint_x_2020-01-02.xml", text);
+    WriteFile(m_folder / "DeviceFootprint_before_all.xml", text);
+    const json data = Data();
+    ASSERT_EQ(data["entries"].size(), 4U);
+    EXPECT_EQ(data["entries"][0]["date"], nullptr);
+    EXPECT_EQ(data["entries"][1]["date"], "2020-01-01T00-00-00");
+    EXPECT_EQ(data["entries"][2]["date"], "2020-01-02");
+    EXPECT_EQ(data["entries"][3]["date"], "2020-01-03T00-00-00");
+}
+
 TEST_F(ToolHistoryTest, WhatTheLibraryWrites)
 {
     std::filesystem::create_directory(m_folder / "history");

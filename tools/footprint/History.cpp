@@ -58,11 +58,6 @@ const char* WordsFor(EEntryState state)
     }
 }
 
-bool IsDamaged(EEntryState state)
-{
-    return state == EEntryState::eWrongChecksum || state == EEntryState::eUnreadable;
-}
-
 /// Goes through a history, with two entries at a time in memory.
 class CHistoryCommand
 {

@@ -18,11 +18,13 @@ namespace
 constexpr std::string_view prefix = "DeviceFootprint_";
 constexpr std::string_view suffix = ".xml";
 
-/// "yyyy-mm-ddThh-mm-ss"
+/// "yyyy-mm-ddThh-mm-ss", or the date alone in a name that somebody gave by hand
 bool IsDate(const std::string& text)
 {
     constexpr std::string_view form = "0000-00-00T00-00-00";
-    return text.size() == form.size() && std::equal(text.begin(), text.end(), form.begin(), [](char one, char pattern) {
+    constexpr std::size_t dateSize = form.find('T');
+    return (text.size() == form.size() || text.size() == dateSize) &&
+           std::equal(text.begin(), text.end(), form.begin(), [](char one, char pattern) {
                return pattern == '0' ? one >= '0' && one <= '9' : one == pattern;
            });
 }
@@ -42,7 +44,7 @@ CHistoryName ParseName(const std::string& file)
 
 } // namespace
 
-EEntryState StateOf(CDeviceFootprint& document)
+EEntryState StateOf(KvDeviceFootprint::CDeviceFootprintData& document)
 {
     if (document.m_checksum.IsEmpty()) {
         return EEntryState::eNoChecksum;

@@ -18,15 +18,21 @@ enum class EEntryState
     eUnreadable
 };
 
-/// That of a document, which is the same afterwards.
-EEntryState StateOf(KvDeviceFootprint::CDeviceFootprint& document);
+/// That of a document or of a connected device, which is the same afterwards.
+EEntryState StateOf(KvDeviceFootprint::CDeviceFootprintData& document);
+
+/// Whether a device would write a new entry after such a one, whatever is in it.
+constexpr bool IsDamaged(EEntryState state)
+{
+    return state == EEntryState::eWrongChecksum || state == EEntryState::eUnreadable;
+}
 
 /// A file "DeviceFootprint_<deviceId>_<date>.xml" of a history folder.
 struct CHistoryName
 {
     std::string file;     ///< without the folder
     std::string deviceId; ///< as the name has it
-    std::string date;     ///< yyyy-mm-ddThh-mm-ss; empty if there is none in the name
+    std::string date;     ///< yyyy-mm-ddThh-mm-ss or yyyy-mm-dd; empty if there is none in the name
 };
 
 /// The entries of a history folder by their dates; those without one come first.

@@ -110,8 +110,8 @@ private:
         }
         m_redaction.Learn(m_document);
         m_report.device = &m_document;
-        m_report.integrity = Integrity(m_document);
-        m_isDamaged = m_report.integrity == EIntegrity::eWrongChecksum;
+        m_report.integrity = StateOf(m_document);
+        m_isDamaged = m_report.integrity == EEntryState::eWrongChecksum;
         if (m_isDamaged) {
             m_outputs.messages << "footprint: " << Harmless(m_options.path) << ": wrong checksum\n";
         }
@@ -138,7 +138,7 @@ private:
         m_report.remarks = m_history.remarks;
         std::size_t damaged = 0;
         for (const CReportEntry& entry : m_history.entries) {
-            if (entry.IsDamaged()) {
+            if (IsDamaged(entry.state)) {
                 ++damaged;
                 m_outputs.messages << "footprint: " << Harmless(m_options.path + "/" + entry.file) << ": "
                                    << (entry.error.empty() ? "wrong checksum" : entry.error) << "\n";
@@ -150,7 +150,7 @@ private:
                                        (damaged == 1 ? " entries is damaged." : " entries are damaged."));
         }
         if (m_report.device != nullptr) {
-            m_report.integrity = m_history.entries[m_history.shownEntry].integrity;
+            m_report.integrity = m_history.entries[m_history.shownEntry].state;
             if (!m_history.entries[m_history.shownEntry].isLatest) {
                 m_report.remarks.emplace_back("The latest entry can not be read; below is the last one that can.");
             }

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <set>
 #include <utility>
 
@@ -19,99 +18,54 @@ using KvDeviceFootprint::CDeviceFootprint;
 namespace
 {
 
-constexpr const char* beginOfNames = "DeviceFootprint_";
-
-/// The date in the name of an entry; the whole name if there is none.
-std::string DateInName(const std::string& name)
+/// The name of the latest entry, or of the youngest one.
+std::string LatestEntry(const std::string& folder, const std::vector<CHistoryName>& names,
+                        std::vector<std::string>& remarks)
 {
-    const std::size_t begin = name.rfind('_') + 1;
-    const std::string date = name.substr(begin, name.size() - std::min(name.size(), begin + 4));
-    return Seconds(date) ? date : name;
-}
-
-/// A file's name may be all that is known of a device whose footprint can not be read.
-void LearnName(const std::string& name, CRedaction& redaction)
-{
-    const std::size_t begin = std::string(beginOfNames).size();
-    const std::size_t end = name.rfind('_');
-    if (name.rfind(beginOfNames, 0) == 0 && end != std::string::npos && end > begin) {
-        redaction.DeviceId(name.substr(begin, end - begin));
-    }
-}
-
-/// The names of the entries, in the order of their dates.
-std::vector<std::string> EntryNames(const std::string& folder)
-{
-    std::vector<std::string> names;
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
-        const std::string name = entry.path().filename().string();
-        if (name.rfind(beginOfNames, 0) == 0 && entry.path().extension() == ".xml" && !entry.is_directory()) {
-            names.push_back(name);
-        }
-    }
-    std::sort(names.begin(), names.end(), [](const std::string& left, const std::string& right) {
-        return std::make_pair(DateInName(left), left) < std::make_pair(DateInName(right), right);
-    });
-    return names;
-}
-
-std::string LatestName(const std::string& folder, const std::vector<std::string>& names,
-                       std::vector<std::string>& remarks)
-{
-    std::ifstream file(fs::path(folder) / CDeviceFootprint::LatestHistoryEntryFileName, std::ios::binary);
-    std::string name;
-    std::getline(file, name);
-    if (name.empty()) {
+    const CLatestName latest = LatestName(folder);
+    if (!latest.isThere) {
         remarks.emplace_back("No file \".latest\" says which entry is the latest; the youngest one is taken for it.");
-        return names.back();
+        return names.back().file;
     }
-    if (std::find(names.begin(), names.end(), name) == names.end()) {
-        remarks.push_back("The file \".latest\" names no entry of this folder: \"" + Shortened(name, 200) +
+    if (std::none_of(names.begin(), names.end(), [&](const auto& name) { return name.file == latest.file; })) {
+        remarks.push_back("The file \".latest\" names no entry of this folder: \"" + Shortened(latest.file, 200) +
                           "\". The youngest one is taken for the latest.");
-        return names.back();
+        return names.back().file;
     }
-    return name;
+    return latest.file;
 }
 
 } // namespace
 
-EIntegrity Integrity(KvDeviceFootprint::CDeviceFootprintData& document)
-{
-    if (document.m_checksum.IsEmpty()) {
-        return EIntegrity::eNoChecksum;
-    }
-    return document.ValidateChecksum() ? EIntegrity::eIntact : EIntegrity::eWrongChecksum;
-}
-
 CReportHistory ReadReportHistory(const std::string& folder, CRedaction& redaction)
 {
     CReportHistory history;
-    const std::vector<std::string> names = EntryNames(folder);
+    const std::vector<CHistoryName> names = HistoryNames(folder);
     if (names.empty()) {
         return history;
     }
-    const std::string latest = LatestName(folder, names, history.remarks);
+    const std::string latest = LatestEntry(folder, names, history.remarks);
     std::shared_ptr<CDeviceFootprint> former;
     std::set<std::wstring> devices;
-    for (const std::string& name : names) {
-        LearnName(name, redaction);
+    for (const CHistoryName& name : names) {
+        redaction.DeviceId(name.deviceId); // all that is known of a device whose footprint can not be read
         CReportEntry entry;
-        entry.file = name;
-        entry.date = DateInName(name);
-        entry.isLatest = name == latest;
-        entry.isAfterDamage = !history.entries.empty() && history.entries.back().IsDamaged();
+        entry.file = name.file;
+        entry.date = name.date.empty() ? name.file : name.date;
+        entry.isLatest = name.file == latest;
+        entry.isAfterDamage = !history.entries.empty() && IsDamaged(history.entries.back().state);
         const auto document = std::make_shared<CDeviceFootprint>();
-        const std::string file = (fs::path(folder) / name).string();
+        const std::string file = (fs::path(folder) / name.file).string();
         if (!LoadFootprint(file, *document, entry.error)) {
             const std::string beginning = Harmless(file) + ": ";
             if (entry.error.rfind(beginning, 0) == 0) {
                 entry.error.erase(0, beginning.size());
             }
-            entry.integrity = EIntegrity::eUnreadable;
+            entry.state = EEntryState::eUnreadable;
             history.entries.push_back(std::move(entry));
             continue;
         }
-        entry.integrity = Integrity(*document);
+        entry.state = StateOf(*document);
         redaction.Learn(*document);
         if (Seconds(redaction.Value(document->m_creationDate))) {
             entry.date = redaction.Value(document->m_creationDate);

@@ -2,6 +2,7 @@
 #define NYXCONFIG_REPORTHISTORY_H
 
 #include "DeviceFootprint.h"
+#include "HistoryEntries.h"
 #include "Redaction.h"
 #include "ReportChanges.h"
 
@@ -15,30 +16,17 @@
 namespace footprint
 {
 
-/// Whether a footprint is as its device wrote it.
-enum class EIntegrity
-{
-    eIntact,
-    eNoChecksum,
-    eWrongChecksum,
-    eUnreadable
-};
-
-EIntegrity Integrity(KvDeviceFootprint::CDeviceFootprintData& document);
-
 /// An entry of a history.
 struct CReportEntry
 {
     std::string file; ///< name without a folder
     std::string date;
     bool isLatest = false;
-    EIntegrity integrity = EIntegrity::eIntact;
+    EEntryState state = EEntryState::eIntact;
     std::string error;                     ///< why it can not be read
     std::optional<std::int64_t> hours;     ///< operating hours
     std::optional<CReportChanges> changes; ///< to the one before it that can be read
     bool isAfterDamage = false;            ///< whether the one before it is damaged: then a device writes a new one
-
-    bool IsDamaged() const { return integrity == EIntegrity::eWrongChecksum || integrity == EIntegrity::eUnreadable; }
 };
 
 /// The content of a history folder, as far as a report shows it.

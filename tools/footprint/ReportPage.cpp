@@ -60,14 +60,14 @@ struct CIntegrityWords
     const char* sentence; ///< null if there is nothing to look at
 };
 
-CIntegrityWords Words(EIntegrity integrity)
+CIntegrityWords Words(EEntryState integrity)
 {
     switch (integrity) {
-    case EIntegrity::eIntact:
+    case EEntryState::eIntact:
         return {"good", "Checksum right", nullptr};
-    case EIntegrity::eNoChecksum:
+    case EEntryState::eNoChecksum:
         return {"plain", "No checksum", nullptr};
-    case EIntegrity::eWrongChecksum:
+    case EEntryState::eWrongChecksum:
         return {"bad", "Checksum wrong",
                 "The checksum is wrong: the file was changed after it was written, or a connected device in it was."};
     default:
@@ -684,8 +684,8 @@ void CReportPage::WritePlotOfHours()
         if (seconds && entry.hours) {
             points.push_back({*seconds, static_cast<double>(*entry.hours),
                               ReadableDate(entry.date) + ": " + Grouped(std::to_string(*entry.hours)) + "\xC2\xA0h" +
-                                  (entry.IsDamaged() ? ", checksum wrong" : ""),
-                              entry.IsDamaged()});
+                                  (IsDamaged(entry.state) ? ", checksum wrong" : ""),
+                              IsDamaged(entry.state)});
         }
     }
     std::vector<CPlotEvent> events;
@@ -767,7 +767,7 @@ void CReportPage::WriteChanges(const CReportEntry& entry)
 
 void CReportPage::WriteEntry(const CReportEntry& entry)
 {
-    const CHtml::CScope item(m_page, "li", {{"class", entry.IsDamaged() ? "entry bad" : "entry"}});
+    const CHtml::CScope item(m_page, "li", {{"class", IsDamaged(entry.state) ? "entry bad" : "entry"}});
     {
         const CHtml::CScope line(m_page, "p", {{"class", "badges"}});
         m_page.Element("strong", ReadableDate(m_redaction.Text(entry.date)));
@@ -779,9 +779,9 @@ void CReportPage::WriteEntry(const CReportEntry& entry)
             m_page.Text(" ");
             m_page.Element("span", {{"class", "badge latest"}}, "Latest");
         }
-        if (entry.integrity != EIntegrity::eIntact) {
+        if (entry.state != EEntryState::eIntact) {
             m_page.Text(" ");
-            const CIntegrityWords words = Words(entry.integrity);
+            const CIntegrityWords words = Words(entry.state);
             m_page.Element("span", {{"class", std::string("badge ") + words.kind}}, words.badge);
         }
     }
@@ -841,7 +841,7 @@ void CReportPage::WriteAttached()
                                " left out here.");
             break;
         }
-        const EIntegrity integrity = Integrity(*attached.device);
+        const EEntryState integrity = StateOf(*attached.device);
         const std::string prefix = "device-" + std::to_string(number) + "-";
         CDevicePart part(m_page, m_redaction, m_budget, *attached.device, prefix, "h3");
         CHtml::TAttributes attributes = {{"class", "attached"}, {"id", prefix + "device"}};

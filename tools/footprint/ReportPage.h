@@ -19,7 +19,7 @@ struct CReport
     /// Null if no entry of a history can be read. Not changed: finding out whether a checksum is right takes it away
     /// for a moment.
     KvDeviceFootprint::CDeviceFootprintData* device = nullptr;
-    EIntegrity integrity = EIntegrity::eIntact;
+    EEntryState integrity = EEntryState::eIntact;
     const CReportHistory* history = nullptr; ///< null for a single file
     std::vector<std::string> remarks;        ///< what to look at, beside the content
 };
