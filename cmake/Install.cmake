@@ -1,7 +1,8 @@
 # What is installed, by component:
 #   runtime      the library
 #   platform     the stand-ins for the firmware's libraries, with NYXCONFIG_PLATFORM=pc only
-#   development  headers, links for the linker, CMake package and pkg-config file; of the stand-ins too
+#   development  headers, links for the linker, CMake package and pkg-config file; of the stand-ins too, and what explains
+#                differences (tools/differences)
 #   common       what does not depend on the architecture
 
 include(CMakePackageConfigHelpers)

@@ -43,6 +43,13 @@ run_example() { # PROGRAM
     rm -rf "$folder"
 }
 
+# Runs the example with rules of its own.
+run_own_rules() { # PROGRAM
+    local output
+    output=$("$1" tests/tool/data/diff/before.xml tests/tool/data/diff/after.xml) || fail "$1: status $?"
+    [[ $output == *CNamedDeviceComparator*"a new entry for the history" ]] || fail "$1 has not done its job: $output"
+}
+
 build_cmake_consumer() { # BUILD-FOLDER SOURCES [CMAKE ARGUMENT...]
     local build=$1 sources
     sources=$(realpath -- "$2")
@@ -53,9 +60,9 @@ build_cmake_consumer() { # BUILD-FOLDER SOURCES [CMAKE ARGUMENT...]
 
 # Takes the flags from pkg-config alone; further ones are the caller's.
 build_pkg_config_consumer() { # PROGRAM SOURCES [FLAG...]
-    local program=$1 sources=$2
+    local program=$1 sources=$2 package=${PACKAGE-nyxconfig}
     shift 2
     # shellcheck disable=SC2046 # flags are words
-    quietly g++ -std=c++17 $(pkg-config --cflags nyxconfig) "$sources"/*.cpp -o "$program" \
-        $(pkg-config --libs nyxconfig) "$@"
+    quietly g++ -std=c++17 $(pkg-config --cflags "$package") "$sources"/*.cpp -o "$program" \
+        $(pkg-config --libs "$package") "$@"
 }
