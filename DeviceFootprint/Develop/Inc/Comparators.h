@@ -22,6 +22,8 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <string>
@@ -72,19 +74,23 @@ public:
 private:
     using CRules = std::map<std::string, const CComparatorBase*>;
 
-    /// Tells names apart by what is quick to see: their length, and the characters at both ends.
-    static std::size_t QuickHash(const std::string& name)
+    friend class CElementNode;
+
+    /// What Find() gives for the name of an element. All elements of the class @p layout must have that name.
+    const CComparatorBase* FindForClass(const CElementLayout& layout, const CElementNode& element) const
     {
-        const auto code = [](char character) { return std::size_t{static_cast<unsigned char>(character)}; };
-        return name.empty() ? 0 : name.size() + 3 * code(name.front()) + 7 * code(name.back());
+        const std::size_t number = layout.Number();
+        const CRules::value_type* known =
+            number < m_known.size() ? m_known[number].load(std::memory_order_relaxed) : nullptr;
+        return known == nullptr ? Learn(number, element.GetElementName()) : known->second;
     }
-    std::size_t FindSlot(const std::string& name) const;
-    void GrowIndex();
+    const CComparatorBase* Learn(std::size_t number, const std::string& elementName) const;
+    void ForgetClasses();
 
     CRules m_comparators;
-    // The same once more, as there is a search for every element of both trees: a hash table of a power of two places,
-    // half of which are null at least. A name's place is the first free one from that of its hash on.
-    std::vector<const CRules::value_type*> m_index;
+    // What was found for the classes, by the numbers of their layouts: null before the first search. Threads that
+    // compare by one rule set find the same.
+    mutable std::array<std::atomic<const CRules::value_type*>, 64> m_known{};
 };
 
 /// Fills a rule set.

@@ -24,7 +24,7 @@ class CElementNode;
 class NYXCONFIG_EXPORT CElementLayout
 {
 public:
-    /// Gives a child of an object of the class.
+    /// Gives a child of an object of the class that is no member of it.
     using TChildGetter = CElementNode* (*)(const CElementNode& element);
 
     struct Attribute
@@ -40,7 +40,10 @@ public:
     };
     struct Child
     {
-        TChildGetter get;
+        CElementNode& In(const CElementNode& element) const;
+
+        TChildGetter get;      ///< null if the child is a member of the object
+        std::ptrdiff_t offset; ///< then its distance, as that of an attribute
         const char* name;
     };
 
@@ -52,8 +55,11 @@ public:
     };
 
     /// @param type the class. @param attributes,children in file order.
-    CElementLayout(const std::type_info& type, std::vector<Attribute> attributes, const std::vector<Child>& children,
+    CElementLayout(const std::type_info& type, std::vector<Attribute> attributes, std::vector<Child> children,
                    const Traits& traits);
+
+    /// Number among the layouts of the process, from 0.
+    std::size_t Number() const { return m_number; }
 
     std::size_t AttributeCount() const { return m_attributes.size(); }
     CReadOnlyAttribute* AttributeAt(const CElementNode& element, std::size_t index) const
@@ -61,10 +67,10 @@ public:
         return &m_attributes[index].In(element);
     }
     const std::vector<Attribute>& Attributes() const { return m_attributes; }
-    const std::vector<TChildGetter>& Children() const { return m_children; }
+    const std::vector<Child>& Children() const { return m_children; }
     /// The same in ascending order of names.
     const std::vector<Attribute>& SortedAttributes() const { return m_sortedAttributes; }
-    const std::vector<TChildGetter>& SortedChildren() const { return m_sortedChildren; }
+    const std::vector<Child>& SortedChildren() const { return m_sortedChildren; }
 
     /// Whether two children have one name; then only the first can be found by it.
     bool HasTwins() const { return m_hasTwins; }
@@ -78,11 +84,12 @@ public:
 
 private:
     const std::type_info* m_type;
+    std::size_t m_number;
     Traits m_traits;
     std::vector<Attribute> m_attributes;
     std::vector<Attribute> m_sortedAttributes;
-    std::vector<TChildGetter> m_children;
-    std::vector<TChildGetter> m_sortedChildren;
+    std::vector<Child> m_children;
+    std::vector<Child> m_sortedChildren;
     bool m_hasTwins = false;
 };
 
@@ -176,14 +183,23 @@ protected:
     /// Appends one attribute, a member of this object, to the attribute table.
     void AddAttributeNode(CReadOnlyAttribute& attribute);
     /// Appends all attributes of a class to the attribute table. @p layout must outlive the object.
-    void AddAttributeNodes(const CElementLayout& layout);
+    void AddAttributeNodes(const CElementLayout& layout)
+    {
+        if (m_layout == nullptr && !m_added) {
+            m_layout = &layout;
+        } else {
+            AddOneByOne(layout);
+        }
+    }
 
 private:
+    void AddOneByOne(const CElementLayout& layout);
     std::size_t AttributeCount() const;
     CReadOnlyAttribute* AttributeAt(std::size_t index) const;
     const CElementLayout* ExactLayout() const;
     template<class Visitor>
     bool AllChildren(Visitor visit) const;
+    bool CompareByNames(const CElementNode& other, const CComparatorRules& rules) const;
     bool SaveContent(CXmlStreamWriter& writer);
     bool SaveLaidOutContent(CXmlStreamWriter& writer, const CElementLayout& layout);
     bool LoadChildren(CXmlStreamReader& reader);
@@ -192,6 +208,15 @@ private:
     const CElementLayout* m_layout = nullptr;
     std::unique_ptr<std::vector<CReadOnlyAttribute*>> m_added;
 };
+
+inline CElementNode& CElementLayout::Child::In(const CElementNode& element) const
+{
+    if (get != nullptr) {
+        return *get(element);
+    }
+    const char* const begin = reinterpret_cast<const char*>(&element);
+    return *reinterpret_cast<CElementNode*>(const_cast<char*>(begin) + offset);
+}
 
 } // namespace KvDeviceFootprint
 

@@ -7,6 +7,7 @@
 #include <iostream>
 #include <list>
 #include <string>
+#include <typeinfo>
 #include <utility>
 
 namespace KvDeviceFootprint
@@ -60,6 +61,33 @@ private:
     bool LoadEntry(CXmlStreamReader& reader);
     bool LoadEntries(CXmlStreamReader& reader);
     bool InsertEntry(const T& source);
+};
+
+/// The base of the library's lists: a list that the walks know to have neither attributes nor children, without asking
+/// it. Registers that for each new object, as CElement does.
+template<class Derived, class T>
+class CElementList : public CElementNodeList<T>
+{
+protected:
+    CElementList() { AddLayout(); }
+    CElementList(const CElementList& other) : CElementNodeList<T>(other) { AddLayout(); }
+    CElementList(CElementList&& other) : CElementNodeList<T>(std::move(other)) { AddLayout(); }
+    CElementList& operator=(const CElementList& other)
+    {
+        CElementNodeList<T>::operator=(other);
+        AddLayout();
+        return *this;
+    }
+    CElementList& operator=(CElementList&& other)
+    {
+        CElementNodeList<T>::operator=(std::move(other));
+        AddLayout();
+        return *this;
+    }
+    ~CElementList() override = default;
+
+private:
+    void AddLayout() { this->AddAttributeNodes(Derived::Layout()); }
 };
 
 template<class T>
@@ -265,9 +293,11 @@ public:                                                                         
     [[maybe_unused]] Class& operator=(Class&& other);                                                                  \
     ~Class() override;                                                                                                 \
     const std::string& GetElementName() const override;                                                                \
-    void initAttributeNodes() override;
+    void initAttributeNodes() override;                                                                                \
+    /** For CElementList. */                                                                                           \
+    static const ::KvDeviceFootprint::CElementLayout& Layout();
 
-/// Defines what DFP_LIST declares, but for GetElementName().
+/// Defines what DFP_LIST declares, but for GetElementName(), which must give all objects one text.
 #define DFP_DEFINE_LIST_MEMBERS(Class)                                                                                 \
     const std::string Class::s_ElementName(Class::Tag);                                                                \
     Class::Class() = default;                                                                                          \
@@ -276,7 +306,12 @@ public:                                                                         
     Class& Class::operator=(const Class& other) = default;                                                             \
     Class& Class::operator=(Class&& other) = default;                                                                  \
     Class::~Class() = default;                                                                                         \
-    void Class::initAttributeNodes() {}
+    void Class::initAttributeNodes() {}                                                                                \
+    const ::KvDeviceFootprint::CElementLayout& Class::Layout()                                                         \
+    {                                                                                                                  \
+        static const ::KvDeviceFootprint::CElementLayout layout(typeid(Class), {}, {}, {true, false});                 \
+        return layout;                                                                                                 \
+    }
 
 /// Defines what DFP_LIST declares. Stands in one source file, in the namespace of the class.
 #define DFP_DEFINE_LIST(Class)                                                                                         \

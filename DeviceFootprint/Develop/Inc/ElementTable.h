@@ -268,10 +268,10 @@ struct Rows
                 ownsNames = ownsNames && HasPlainName<std::decay_t<decltype(element->*row.member)>>::value;
                 attributes.push_back({reinterpret_cast<const char*>(&(element->*row.member)) - base, row.name()});
             } else {
-                children.push_back({&GetChild<decltype(line)::value>, TagOf(&(element->*row.member))});
+                children.push_back(MakeChild<decltype(line)::value>(element->*row.member, base));
             }
         });
-        return CElementLayout(typeid(Element), std::move(attributes), children,
+        return CElementLayout(typeid(Element), std::move(attributes), std::move(children),
                               {ownsNames, HasPlainEmptiness<Element>::value});
     }
 
@@ -297,19 +297,24 @@ private:
         }
     }
 
-    template<int Number>
-    static CElementNode* GetChild(const CElementNode& element)
+    template<int Number, class Member>
+    static CElementLayout::Child MakeChild(const Member& child, const char* base)
     {
-        constexpr auto row = Element::TableRow(Line<Number>{});
-        // The walks need one operation for reading and for changing, so it is const and gives mutable children.
-        return Address(const_cast<Element&>(static_cast<const Element&>(element)).*row.member);
+        const auto* address = reinterpret_cast<const char*>(static_cast<const CElementNode*>(&child));
+        return {nullptr, address - base, TagOf(&child)};
+    }
+    template<int Number, class T>
+    static CElementLayout::Child MakeChild(const COwnedElement<T>& child, const char* /*base*/)
+    {
+        return {&GetOwned<Number>, 0, TagOf(&child)};
     }
 
-    static CElementNode* Address(CElementNode& child) { return &child; }
-    template<class T>
-    static CElementNode* Address(COwnedElement<T>& child)
+    template<int Number>
+    static CElementNode* GetOwned(const CElementNode& element)
     {
-        return child.get();
+        constexpr auto row = Element::TableRow(Line<Number>{});
+        // The walks need one operation for reading and for changing, so it gives mutable children.
+        return (static_cast<const Element&>(element).*row.member).get();
     }
 };
 
@@ -369,8 +374,8 @@ COwnedElement<T>::~COwnedElement() = default;
     void Class::GetChildElements(std::list<::KvDeviceFootprint::CElementNode*>& children) const                        \
     {                                                                                                                  \
         children.clear();                                                                                              \
-        for (const ::KvDeviceFootprint::CElementLayout::TChildGetter get : Layout().Children()) {                      \
-            children.push_back(get(*this));                                                                            \
+        for (const ::KvDeviceFootprint::CElementLayout::Child& row : Layout().Children()) {                            \
+            children.push_back(&row.In(*this));                                                                        \
         }                                                                                                              \
     }
 

@@ -211,10 +211,11 @@ bool CReadOnlyAttribute::IsEqual(const CReadOnlyAttribute& other, bool emptiesAr
     if (m_name != other.m_name) {
         return false;
     }
-    if (emptiesAreEqual && IsEmpty()) {
-        return other.IsEmpty();
+    const std::size_t size = m_value.size();
+    if (size != other.m_value.size()) {
+        return false;
     }
-    return m_value == other.m_value && !m_value.empty();
+    return size == 0 ? emptiesAreEqual : std::wmemcmp(m_value.data(), other.m_value.data(), size) == 0;
 }
 
 void CTimeAttribute::SetCreationDateToCurrent()

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <limits>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace KvDeviceFootprint
@@ -119,13 +120,12 @@ void CComparatorRules::Add(const CComparatorBase* comparator)
         ComparatorPreconditionFailed("the added comparator is not null");
     }
     std::unique_ptr<const CComparatorBase> owned(comparator);
-    const auto place = m_comparators.emplace(comparator->GetAssociatedNodeName(), nullptr).first;
-    GrowIndex();
-    m_index[FindSlot(place->first)] = &*place;
-    if (place->second != comparator) {
-        delete place->second;
+    const CComparatorBase*& place = m_comparators[comparator->GetAssociatedNodeName()];
+    if (place != comparator) {
+        delete place;
     }
-    place->second = owned.release();
+    place = owned.release();
+    ForgetClasses();
 }
 
 void CComparatorRules::Clear()
@@ -133,43 +133,32 @@ void CComparatorRules::Clear()
     for (const auto& rule : m_comparators) {
         delete rule.second;
     }
-    m_index.clear();
     m_comparators.clear();
+    ForgetClasses();
 }
 
 const CComparatorBase* CComparatorRules::Find(const std::string& elementName) const
 {
-    if (m_index.empty()) {
-        return nullptr;
-    }
-    const CRules::value_type* rule = m_index[FindSlot(elementName)];
-    return rule == nullptr ? nullptr : rule->second;
+    const auto rule = m_comparators.find(elementName);
+    return rule == m_comparators.end() ? nullptr : rule->second;
 }
 
-/// The place of a name, or the free one where it would be.
-std::size_t CComparatorRules::FindSlot(const std::string& name) const
+/// Find() for the class with a number, which is kept for the next time.
+const CComparatorBase* CComparatorRules::Learn(std::size_t number, const std::string& elementName) const
 {
-    const std::size_t mask = m_index.size() - 1;
-    std::size_t place = QuickHash(name) & mask;
-    while (m_index[place] != nullptr && m_index[place]->first != name) {
-        place = (place + 1) & mask;
+    static const CRules::value_type none("", nullptr);
+    const auto found = m_comparators.find(elementName);
+    const CRules::value_type& rule = found == m_comparators.end() ? none : *found;
+    if (number < m_known.size()) {
+        m_known[number].store(&rule, std::memory_order_relaxed);
     }
-    return place;
+    return rule.second;
 }
 
-/// Makes sure that all rules have a place, and as many are free.
-void CComparatorRules::GrowIndex()
+void CComparatorRules::ForgetClasses()
 {
-    std::size_t size = std::max<std::size_t>(m_index.size(), 64);
-    while (size < 2 * m_comparators.size()) {
-        size *= 2;
-    }
-    if (size == m_index.size()) {
-        return;
-    }
-    m_index.assign(size, nullptr);
-    for (const auto& rule : m_comparators) {
-        m_index[FindSlot(rule.first)] = &rule;
+    for (auto& known : m_known) {
+        known.store(nullptr, std::memory_order_relaxed);
     }
 }
 

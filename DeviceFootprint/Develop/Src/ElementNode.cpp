@@ -4,6 +4,7 @@
 #include "XmlStreams.h"
 
 #include <algorithm>
+#include <atomic>
 #include <iostream>
 
 namespace KvDeviceFootprint
@@ -12,13 +13,15 @@ namespace KvDeviceFootprint
 namespace
 {
 
+std::atomic<std::size_t> s_layoutCount{0};
+
 CElementNode* FindLaidOutChild(const CElementNode& element, const CElementLayout& layout,
                                const CXmlStreamReader& reader)
 {
-    for (const CElementLayout::TChildGetter get : layout.Children()) {
-        CElementNode* child = get(element);
-        if (reader.IsElement(child->GetElementName())) {
-            return child;
+    for (const CElementLayout::Child& row : layout.Children()) {
+        CElementNode& child = row.In(element);
+        if (reader.IsElement(child.GetElementName())) {
+            return &child;
         }
     }
     return nullptr;
@@ -27,28 +30,20 @@ CElementNode* FindLaidOutChild(const CElementNode& element, const CElementLayout
 } // namespace
 
 CElementLayout::CElementLayout(const std::type_info& type, std::vector<Attribute> attributes,
-                               const std::vector<Child>& children, const Traits& traits)
-    : m_type(&type), m_traits(traits), m_attributes(std::move(attributes)), m_sortedAttributes(m_attributes)
+                               std::vector<Child> children, const Traits& traits)
+    : m_type(&type), m_number(s_layoutCount.fetch_add(1, std::memory_order_relaxed)), m_traits(traits),
+      m_attributes(std::move(attributes)), m_sortedAttributes(m_attributes), m_children(std::move(children)),
+      m_sortedChildren(m_children)
 {
     std::sort(m_sortedAttributes.begin(), m_sortedAttributes.end(),
               [](const Attribute& lhs, const Attribute& rhs) { return lhs.name.Text() < rhs.name.Text(); });
-    const auto getters = [](const std::vector<Child>& from) {
-        std::vector<TChildGetter> to;
-        to.reserve(from.size());
-        for (const Child& child : from) {
-            to.push_back(child.get);
-        }
-        return to;
-    };
-    m_children = getters(children);
-    std::vector<Child> sorted = children;
     // Stable: children of one name keep their order.
-    std::stable_sort(sorted.begin(), sorted.end(),
+    std::stable_sort(m_sortedChildren.begin(), m_sortedChildren.end(),
                      [](const Child& lhs, const Child& rhs) { return std::string(lhs.name) < rhs.name; });
-    m_sortedChildren = getters(sorted);
-    m_hasTwins = std::adjacent_find(sorted.begin(), sorted.end(), [](const Child& lhs, const Child& rhs) {
-                     return std::string(lhs.name) == rhs.name;
-                 }) != sorted.end();
+    m_hasTwins =
+        std::adjacent_find(m_sortedChildren.begin(), m_sortedChildren.end(), [](const Child& lhs, const Child& rhs) {
+            return std::string(lhs.name) == rhs.name;
+        }) != m_sortedChildren.end();
 }
 
 bool CElementLayout::HasOwnNames(const CElementNode& element) const
@@ -87,12 +82,8 @@ void CElementNode::AddAttributeNode(CReadOnlyAttribute& attribute)
     m_added->push_back(&attribute);
 }
 
-void CElementNode::AddAttributeNodes(const CElementLayout& layout)
+void CElementNode::AddOneByOne(const CElementLayout& layout)
 {
-    if (m_layout == nullptr && !m_added) {
-        m_layout = &layout;
-        return;
-    }
     for (std::size_t i = 0; i < layout.AttributeCount(); ++i) {
         AddAttributeNode(*layout.AttributeAt(*this, i));
     }
@@ -120,9 +111,9 @@ template<class Visitor>
 bool CElementNode::AllChildren(Visitor visit) const
 {
     if (const CElementLayout* layout = ExactLayout()) {
-        const auto& getters = layout->Children();
-        return std::all_of(getters.begin(), getters.end(),
-                           [&](CElementLayout::TChildGetter get) { return visit(*get(*this)); });
+        const auto& rows = layout->Children();
+        return std::all_of(rows.begin(), rows.end(),
+                           [&](const CElementLayout::Child& row) { return visit(row.In(*this)); });
     }
     std::list<CElementNode*> children;
     GetChildElements(children);
@@ -145,22 +136,33 @@ void CElementNode::GetAttributeNodes(std::list<CReadOnlyAttribute*>& attributes)
 bool CElementNode::Compare(const CElementNode& other, const CComparatorRules& rules) const
 {
     const CElementLayout* layout = ExactLayout();
-    const bool areOfOneClass = layout != nullptr && layout == other.ExactLayout();
-    const std::string& name = GetElementName();
-    if (!areOfOneClass) {
-        const std::string& otherName = other.GetElementName();
-        if (&name != &otherName && name != otherName) {
+    if (layout == nullptr || layout != other.ExactLayout() || layout->HasTwins()) {
+        return CompareByNames(other, rules);
+    }
+    // Two elements of one class have one name, and children of the same names.
+    const CComparatorBase* comparator = rules.FindForClass(*layout, *this);
+    if (comparator != nullptr && !(*comparator)(*this, other, rules)) {
+        return false;
+    }
+    for (const CElementLayout::Child& row : layout->Children()) {
+        if (!row.In(*this).Compare(row.In(other), rules)) {
             return false;
         }
+    }
+    return true;
+}
+
+/// Compare() for elements of any classes.
+bool CElementNode::CompareByNames(const CElementNode& other, const CComparatorRules& rules) const
+{
+    const std::string& name = GetElementName();
+    const std::string& otherName = other.GetElementName();
+    if (&name != &otherName && name != otherName) {
+        return false;
     }
     const CComparatorBase* comparator = rules.Find(name);
     if (comparator != nullptr && !(*comparator)(*this, other, rules)) {
         return false;
-    }
-    if (areOfOneClass && !layout->HasTwins()) {
-        const auto& getters = layout->Children();
-        return std::all_of(getters.begin(), getters.end(),
-                           [&](CElementLayout::TChildGetter get) { return get(*this)->Compare(*get(other), rules); });
     }
     return AllChildren([&](const CElementNode& child) {
         // A child without a counterpart is no difference.
@@ -216,9 +218,9 @@ bool CElementNode::SaveLaidOutContent(CXmlStreamWriter& writer, const CElementLa
     if (!writer.SetAttributes(*this, layout)) {
         return false;
     }
-    const auto& getters = writer.IsForChecksum() ? layout.SortedChildren() : layout.Children();
-    return std::all_of(getters.begin(), getters.end(),
-                       [&](CElementLayout::TChildGetter get) { return get(*this)->SaveToStream(writer); });
+    const auto& rows = writer.IsForChecksum() ? layout.SortedChildren() : layout.Children();
+    return std::all_of(rows.begin(), rows.end(),
+                       [&](const CElementLayout::Child& row) { return row.In(*this).SaveToStream(writer); });
 }
 
 bool CElementNode::SaveContent(CXmlStreamWriter& writer)
