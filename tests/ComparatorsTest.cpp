@@ -306,6 +306,32 @@ TEST(ComparatorRules, ClearDeletesInTheOrderOfTheNamesAndTheSetCanBeFilledAgain)
     EXPECT_EQ(rules.Find("B"), again);
 }
 
+TEST(ComparatorRules, ChangesCountFromTheNextComparisonOn)
+{
+    const CDeviceFootprint lhs;
+    const CDeviceFootprint rhs;
+    Texts log;
+    CComparatorRules rules;
+    EXPECT_TRUE(lhs.Compare(rhs, rules));
+
+    rules.Add(std::make_unique<LoggingRule<CBios>>(log, false).release());
+    EXPECT_FALSE(lhs.Compare(rhs, rules)) << "a rule where there was none";
+    rules.Add(std::make_unique<LoggingRule<CBios>>(log).release());
+    EXPECT_TRUE(lhs.Compare(rhs, rules)) << "another rule for the element";
+    EXPECT_EQ(log, (Texts{"Bios", "Bios"}));
+
+    rules.Add(std::make_unique<RuleByName>("ProductList", [&](const auto&, const auto&, const auto&) {
+                  log.emplace_back("ProductList");
+                  return false;
+              }).release());
+    EXPECT_FALSE(lhs.Compare(rhs, rules)) << "a rule for a list that had none";
+
+    log.clear();
+    rules.Clear();
+    EXPECT_TRUE(lhs.Compare(rhs, rules));
+    EXPECT_EQ(log, Texts());
+}
+
 TEST(ComparatorRules, DestructorDeletesAsClearDoes)
 {
     Texts deaths;
