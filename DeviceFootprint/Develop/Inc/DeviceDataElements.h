@@ -30,7 +30,7 @@ public:
     DFP_ELEMENT_END
 };
 
-class NYXCONFIG_EXPORT CTestInstructionList : public CElementList<CTestInstructionList, CTestInstruction>
+class NYXCONFIG_EXPORT CTestInstructionList : public CElementNodeList<CTestInstruction>
 {
     DFP_LIST(CTestInstructionList, "TestInstructionList")
 };

@@ -45,6 +45,7 @@ public:
         TChildGetter get;      ///< null if the child is a member of the object
         std::ptrdiff_t offset; ///< then its distance, as that of an attribute
         const char* name;
+        const CElementLayout* layout; ///< of its class, if that leaves the comparison to the library; otherwise null
     };
 
     /// What a class leaves to the library, so that the walks know it without asking.
@@ -58,6 +59,7 @@ public:
     CElementLayout(const std::type_info& type, std::vector<Attribute> attributes, std::vector<Child> children,
                    const Traits& traits);
 
+    const std::type_info& Type() const { return *m_type; }
     /// Number among the layouts of the process, from 0.
     std::size_t Number() const { return m_number; }
 
@@ -200,7 +202,9 @@ private:
     template<class Visitor>
     bool AllChildren(Visitor visit) const;
     bool CompareByNames(const CElementNode& other, const CComparatorRules& rules) const;
-    bool SaveContent(CXmlStreamWriter& writer);
+    static bool CompareLaidOut(const CElementLayout& layout, const CElementNode& lhs, const CElementNode& rhs,
+                               const CComparatorRules& rules);
+    bool SaveContent(CXmlStreamWriter& writer, const CElementLayout* layout);
     bool SaveLaidOutContent(CXmlStreamWriter& writer, const CElementLayout& layout);
     bool LoadChildren(CXmlStreamReader& reader);
 

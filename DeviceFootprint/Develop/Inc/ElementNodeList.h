@@ -63,33 +63,6 @@ private:
     bool InsertEntry(const T& source);
 };
 
-/// The base of the library's lists: a list that the walks know to have neither attributes nor children, without asking
-/// it. Registers that for each new object, as CElement does.
-template<class Derived, class T>
-class CElementList : public CElementNodeList<T>
-{
-protected:
-    CElementList() { AddLayout(); }
-    CElementList(const CElementList& other) : CElementNodeList<T>(other) { AddLayout(); }
-    CElementList(CElementList&& other) : CElementNodeList<T>(std::move(other)) { AddLayout(); }
-    CElementList& operator=(const CElementList& other)
-    {
-        CElementNodeList<T>::operator=(other);
-        AddLayout();
-        return *this;
-    }
-    CElementList& operator=(CElementList&& other)
-    {
-        CElementNodeList<T>::operator=(std::move(other));
-        AddLayout();
-        return *this;
-    }
-    ~CElementList() override = default;
-
-private:
-    void AddLayout() { this->AddAttributeNodes(Derived::Layout()); }
-};
-
 template<class T>
 CElementNodeList<T>& CElementNodeList<T>::operator=(CElementNodeList&& other)
 {
@@ -294,7 +267,7 @@ public:                                                                         
     ~Class() override;                                                                                                 \
     const std::string& GetElementName() const override;                                                                \
     void initAttributeNodes() override;                                                                                \
-    /** For CElementList. */                                                                                           \
+    /** Neither attributes nor children. */                                                                            \
     static const ::KvDeviceFootprint::CElementLayout& Layout();
 
 /// Defines what DFP_LIST declares, but for GetElementName(), which must give all objects one text.

@@ -146,6 +146,48 @@ const char* TagOf(const COwnedElement<Child>* /*type*/)
     return TagOf(static_cast<const Child*>(nullptr));
 }
 
+/// Whether an element class has a layout and leaves its comparison to the library.
+template<class Child, class = void>
+struct HasPlainComparison : std::false_type
+{
+};
+
+template<class Child>
+struct HasPlainComparison<Child, std::void_t<decltype(Child::Layout()), decltype(&Child::Compare)>>
+    : std::is_same<decltype(&Child::Compare), decltype(&CElementNode::Compare)>
+{
+};
+
+/// Whether a class is a list that says itself what its children are.
+template<class Child, class = void>
+struct IsListWithChildren : std::false_type
+{
+};
+
+template<class Child>
+struct IsListWithChildren<Child, std::void_t<typename Child::value_type>>
+    : std::is_same<decltype(&Child::GetChildElements), void (Child::*)(std::list<CElementNode*>&) const>
+{
+};
+
+/// The layout by which objects of a child class are compared, or null. A class may have inherited that of another one.
+template<class Child>
+const CElementLayout* LayoutOf(const Child* /*type*/)
+{
+    if constexpr (HasPlainComparison<Child>::value && !IsListWithChildren<Child>::value) {
+        const CElementLayout& layout = Child::Layout();
+        return layout.Type() == typeid(Child) && !layout.HasTwins() ? &layout : nullptr;
+    } else {
+        return nullptr;
+    }
+}
+
+template<class Child>
+const CElementLayout* LayoutOf(const COwnedElement<Child>* /*type*/)
+{
+    return LayoutOf(static_cast<const Child*>(nullptr));
+}
+
 template<class Element, class Member>
 constexpr AttributeRow<Element, Member> Attribute(Member Element::*member, const CNodeName& (*name)())
 {
@@ -301,12 +343,12 @@ private:
     static CElementLayout::Child MakeChild(const Member& child, const char* base)
     {
         const auto* address = reinterpret_cast<const char*>(static_cast<const CElementNode*>(&child));
-        return {nullptr, address - base, TagOf(&child)};
+        return {nullptr, address - base, TagOf(&child), LayoutOf(&child)};
     }
     template<int Number, class T>
     static CElementLayout::Child MakeChild(const COwnedElement<T>& child, const char* /*base*/)
     {
-        return {&GetOwned<Number>, 0, TagOf(&child)};
+        return {&GetOwned<Number>, 0, TagOf(&child), LayoutOf(&child)};
     }
 
     template<int Number>

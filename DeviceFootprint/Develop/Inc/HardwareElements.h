@@ -61,7 +61,7 @@ public:
     bool IsSameEntity(const CProgrammablePart& other) const;
 };
 
-class NYXCONFIG_EXPORT CProgrammableParts : public CElementList<CProgrammableParts, CProgrammablePart>
+class NYXCONFIG_EXPORT CProgrammableParts : public CElementNodeList<CProgrammablePart>
 {
     DFP_LIST(CProgrammableParts, "ProgrammableParts")
 };
@@ -99,7 +99,7 @@ public:
     bool IsSameEntity(const CHardware& other) const;
 };
 
-class NYXCONFIG_EXPORT CHardwareList : public CElementList<CHardwareList, CHardware>
+class NYXCONFIG_EXPORT CHardwareList : public CElementNodeList<CHardware>
 {
     DFP_LIST(CHardwareList, "HardwareList")
 };
@@ -122,7 +122,7 @@ public:
     bool IsSameEntity(const CProduct& other) const;
 };
 
-class NYXCONFIG_EXPORT CProductList : public CElementList<CProductList, CProduct>
+class NYXCONFIG_EXPORT CProductList : public CElementNodeList<CProduct>
 {
     DFP_LIST(CProductList, "ProductList")
 };

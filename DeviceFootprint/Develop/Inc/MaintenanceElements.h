@@ -35,7 +35,7 @@ public:
     bool IsSameEntity(const CMaintenanceTask& other) const;
 };
 
-class NYXCONFIG_EXPORT CMaintenanceTasks : public CElementList<CMaintenanceTasks, CMaintenanceTask>
+class NYXCONFIG_EXPORT CMaintenanceTasks : public CElementNodeList<CMaintenanceTask>
 {
     DFP_LIST(CMaintenanceTasks, "MaintenanceTasks")
 };
@@ -58,7 +58,7 @@ public:
     bool IsSameEntity(const CMaintenance& other) const;
 };
 
-class NYXCONFIG_EXPORT CMaintenances : public CElementList<CMaintenances, CMaintenance>
+class NYXCONFIG_EXPORT CMaintenances : public CElementNodeList<CMaintenance>
 {
     DFP_LIST(CMaintenances, "Maintenances")
 };
@@ -82,7 +82,7 @@ public:
 
 /// Unlike the other lists, this one knows its name also before the library's static names are initialised:
 /// GetElementName() returns a text of its own, which equals s_ElementName and must go on doing so.
-class NYXCONFIG_EXPORT CMaintenanceInfos : public CElementList<CMaintenanceInfos, CMaintenanceInfo>
+class NYXCONFIG_EXPORT CMaintenanceInfos : public CElementNodeList<CMaintenanceInfo>
 {
     DFP_LIST(CMaintenanceInfos, "MaintenanceInfos")
 };

@@ -27,7 +27,7 @@ public:
     DFP_ELEMENT_END
 };
 
-class NYXCONFIG_EXPORT CProperties : public CElementList<CProperties, CProperty>
+class NYXCONFIG_EXPORT CProperties : public CElementNodeList<CProperty>
 {
     DFP_LIST(CProperties, "Properties")
 };
@@ -47,7 +47,7 @@ public:
     bool IsSameEntity(const CService& other) const;
 };
 
-class NYXCONFIG_EXPORT CServices : public CElementList<CServices, CService>
+class NYXCONFIG_EXPORT CServices : public CElementNodeList<CService>
 {
     DFP_LIST(CServices, "Services")
 };

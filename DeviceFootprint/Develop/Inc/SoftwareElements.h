@@ -100,7 +100,7 @@ public:
     bool IsSameEntity(const CSoftware& other) const;
 };
 
-class NYXCONFIG_EXPORT CSoftwareList : public CElementList<CSoftwareList, CSoftware>
+class NYXCONFIG_EXPORT CSoftwareList : public CElementNodeList<CSoftware>
 {
     DFP_LIST(CSoftwareList, "SoftwareList")
 };

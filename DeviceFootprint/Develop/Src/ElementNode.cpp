@@ -136,16 +136,23 @@ void CElementNode::GetAttributeNodes(std::list<CReadOnlyAttribute*>& attributes)
 bool CElementNode::Compare(const CElementNode& other, const CComparatorRules& rules) const
 {
     const CElementLayout* layout = ExactLayout();
-    if (layout == nullptr || layout != other.ExactLayout() || layout->HasTwins()) {
-        return CompareByNames(other, rules);
-    }
-    // Two elements of one class have one name, and children of the same names.
-    const CComparatorBase* comparator = rules.FindForClass(*layout, *this);
-    if (comparator != nullptr && !(*comparator)(*this, other, rules)) {
+    return layout != nullptr && layout == other.ExactLayout() && !layout->HasTwins()
+               ? CompareLaidOut(*layout, *this, other, rules)
+               : CompareByNames(other, rules);
+}
+
+/// Compare() for two elements of one class, which have one name and children of the same classes and names.
+bool CElementNode::CompareLaidOut(const CElementLayout& layout, const CElementNode& lhs, const CElementNode& rhs,
+                                  const CComparatorRules& rules)
+{
+    const CComparatorBase* comparator = rules.FindForClass(layout, lhs);
+    if (comparator != nullptr && !(*comparator)(lhs, rhs, rules)) {
         return false;
     }
-    for (const CElementLayout::Child& row : layout->Children()) {
-        if (!row.In(*this).Compare(row.In(other), rules)) {
+    for (const CElementLayout::Child& row : layout.Children()) {
+        const bool isSame = row.layout != nullptr ? CompareLaidOut(*row.layout, row.In(lhs), row.In(rhs), rules)
+                                                  : row.In(lhs).Compare(row.In(rhs), rules);
+        if (!isSame) {
             return false;
         }
     }
@@ -210,7 +217,8 @@ bool CElementNode::SaveToStream(CXmlStreamWriter& writer)
     if (!mayBeEmpty && IsOptional() && IsEmpty()) {
         return true;
     }
-    return !writer.IsTooDeep() && writer.BeginElement(GetElementName()) && SaveContent(writer) && writer.EndElement();
+    return !writer.IsTooDeep() && writer.BeginElement(GetElementName()) && SaveContent(writer, layout) &&
+           writer.EndElement();
 }
 
 bool CElementNode::SaveLaidOutContent(CXmlStreamWriter& writer, const CElementLayout& layout)
@@ -218,14 +226,16 @@ bool CElementNode::SaveLaidOutContent(CXmlStreamWriter& writer, const CElementLa
     if (!writer.SetAttributes(*this, layout)) {
         return false;
     }
-    const auto& rows = writer.IsForChecksum() ? layout.SortedChildren() : layout.Children();
-    return std::all_of(rows.begin(), rows.end(),
-                       [&](const CElementLayout::Child& row) { return row.In(*this).SaveToStream(writer); });
+    for (const CElementLayout::Child& row : writer.IsForChecksum() ? layout.SortedChildren() : layout.Children()) {
+        if (!row.In(*this).SaveToStream(writer)) {
+            return false;
+        }
+    }
+    return true;
 }
 
-bool CElementNode::SaveContent(CXmlStreamWriter& writer)
+bool CElementNode::SaveContent(CXmlStreamWriter& writer, const CElementLayout* layout)
 {
-    const CElementLayout* layout = ExactLayout();
     if (layout != nullptr && layout->HasOwnNames(*this)) {
         return SaveLaidOutContent(writer, *layout);
     }
