@@ -331,3 +331,26 @@ TEST(XmlShortcutsTest, CharactersAreEscapedAsTheirRangeSays)
     ASSERT_TRUE(footprint.GetDeviceFootprintString(false, text));
     EXPECT_NE(text.find(" generatedBy=\"" + expected + "\""), std::string::npos) << text;
 }
+
+TEST(XmlShortcutsTest, CharactersAreEscapedWhereverTheyStand)
+{
+    const std::pair<wchar_t, std::string> escaped[] = {{L'&', "&amp;"}, {L'\xE9', "&#233;"}, {L'\x20AC', "&#8364;"}};
+    for (std::size_t length = 1; length < 10; ++length) {
+        for (std::size_t first = 0; first < length; ++first) {
+            for (std::size_t second = first; second < length; ++second) {
+                for (const auto& [character, text] : escaped) {
+                    CLongNames element;
+                    std::wstring value;
+                    std::string expected;
+                    for (std::size_t place = 0; place < length; ++place) {
+                        const bool isEscaped = place == first || place == second;
+                        value += isEscaped ? character : static_cast<wchar_t>(L'a' + place);
+                        expected += isEscaped ? text : std::string(1, static_cast<char>('a' + place));
+                    }
+                    element.m_first = value;
+                    EXPECT_EQ(SaveText(element), "<LongNames first=\"" + expected + "\"");
+                }
+            }
+        }
+    }
+}

@@ -131,18 +131,25 @@ char* PutReference(char* to, std::uint32_t code)
 char* PutEscaped(char* to, const wchar_t* text, std::size_t length)
 {
     static constexpr EscapeTable table;
-    // One by one: most values are too short for more at once.
-    for (const wchar_t* const end = text + length; text != end; ++text) {
-        const auto code = static_cast<std::uint32_t>(*text);
-        if (code < EscapeTable::Size) {
-            if (table.IsPlainAt(code) != 0) {
-                *to++ = static_cast<char>(code);
-            } else {
-                to = table.Put(to, code);
+    const wchar_t* const end = text + length;
+    for (;;) {
+        // Two at once: for more, most values are too short.
+        while (end - text >= 2) {
+            const auto first = static_cast<std::uint32_t>(text[0]);
+            const auto second = static_cast<std::uint32_t>(text[1]);
+            if ((first | second) >= EscapeTable::Size || (table.IsPlainAt(first) & table.IsPlainAt(second)) == 0) {
+                break;
             }
-        } else {
-            to = PutReference(to, code);
+            to[0] = static_cast<char>(first);
+            to[1] = static_cast<char>(second);
+            to += 2;
+            text += 2;
         }
+        if (text == end) {
+            break;
+        }
+        const auto code = static_cast<std::uint32_t>(*text++);
+        to = code < EscapeTable::Size ? table.Put(to, code) : PutReference(to, code);
     }
     return to;
 }
