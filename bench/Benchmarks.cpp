@@ -175,27 +175,35 @@ void RegisterLoad(const std::string& document)
     }
 }
 
+/// The operation, done once before: a virtual machine may have to get pages for a new file from its host first.
+Operation DoneOnce(Operation operation)
+{
+    operation.measured();
+    operation.end();
+    return operation;
+}
+
 void RegisterSave(const std::string& document)
 {
     const std::string file = FileOf(document);
-    Register("save/" + document + "/nyxconfig", [file]() -> Operation {
+    Register("save/" + document + "/nyxconfig", [file] {
         const auto footprint = Loaded(file);
-        return {[footprint] { Save(*footprint, folder); },
-                [footprint] { std::remove(footprint->GetFullFilenameOfLastSave().c_str()); }};
+        return DoneOnce({[footprint] { Save(*footprint, folder); },
+                         [footprint] { std::remove(footprint->GetFullFilenameOfLastSave().c_str()); }});
     });
     for (const Peer* peer : Peers()) {
         if (peer->save == nullptr) {
             continue;
         }
-        Register("save/" + document + "/" + peer->name, [file, peer]() -> Operation {
+        Register("save/" + document + "/" + peer->name, [file, peer] {
             const std::string copy = folder + "/copy.xml";
             std::remove(copy.c_str());
-            return {[footprint = LoadedByPeer(file), peer, copy] {
-                        const std::string digest = Digest(*footprint);
-                        footprint->checksum.assign(digest.begin(), digest.end());
-                        peer->save(*footprint, copy);
-                    },
-                    [copy] { std::remove(copy.c_str()); }};
+            return DoneOnce({[footprint = LoadedByPeer(file), peer, copy] {
+                                 const std::string digest = Digest(*footprint);
+                                 footprint->checksum.assign(digest.begin(), digest.end());
+                                 peer->save(*footprint, copy);
+                             },
+                             [copy] { std::remove(copy.c_str()); }});
         });
     }
 }
