@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <limits>
 #include <memory>
-#include <utility>
 #include <vector>
 
 namespace KvDeviceFootprint
