@@ -7,6 +7,7 @@
 #include <cstring>
 #include <exception>
 #include <sys/ptrace.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -66,6 +67,35 @@ ChildEnd Kill(pid_t child)
     return WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL ? ChildEnd::Killed : Ended(status);
 }
 
+/// The number of the system call before which a process has stopped; -1 behind one.
+long CallAtStop(pid_t child)
+{
+    __ptrace_syscall_info info = {};
+    if (ptrace(PTRACE_GET_SYSCALL_INFO, child, sizeof info, &info) <= 0) {
+        ADD_FAILURE() << "this machine does not tell which system call a process is at";
+    }
+    return info.op == PTRACE_SYSCALL_INFO_ENTRY ? static_cast<long>(info.entry.nr) : -1;
+}
+
+bool IsForMemory(long call)
+{
+    switch (call) {
+#ifdef SYS_mmap2
+    case SYS_mmap2:
+#endif
+    case SYS_mmap:
+    case SYS_munmap:
+    case SYS_mremap:
+    case SYS_mprotect:
+    case SYS_madvise:
+    case SYS_brk:
+    case SYS_futex:
+        return true;
+    default:
+        return false;
+    }
+}
+
 } // namespace
 
 ChildEnd RunUntilSystemCall(std::size_t stop, const std::function<void()>& operation)
@@ -87,6 +117,7 @@ ChildEnd RunUntilSystemCall(std::size_t stop, const std::function<void()>& opera
     }
     ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
     // The first stop is the end of the call that raised the signal.
+    bool counts = true;
     for (std::size_t seen = 0; seen <= stop;) {
         const long signal = WIFSTOPPED(status) && WSTOPSIG(status) != SystemCallStop && WSTOPSIG(status) != SIGSTOP
                                 ? WSTOPSIG(status)
@@ -97,7 +128,11 @@ ChildEnd RunUntilSystemCall(std::size_t stop, const std::function<void()>& opera
         if (!WIFSTOPPED(status)) {
             return Ended(status);
         }
-        seen += WSTOPSIG(status) == SystemCallStop ? 1 : 0;
+        if (WSTOPSIG(status) == SystemCallStop) {
+            const long call = CallAtStop(child);
+            counts = call < 0 ? counts : !IsForMemory(call);
+            seen += counts ? 1 : 0;
+        }
     }
     return Kill(child);
 }

@@ -16,7 +16,8 @@ enum class ChildEnd
 
 /**
  * Runs an operation in a copy of this process, which is killed at a system call. Each call has two stops: the odd one
- * before the kernel does it, the even one behind.
+ * before the kernel does it, the even one behind. Calls for memory do not count: how many there are differs from one
+ * run to the next.
  *
  * @param stop number of the stop, from 1.
  */
