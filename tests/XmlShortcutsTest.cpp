@@ -339,7 +339,6 @@ TEST(XmlShortcutsTest, CharactersAreEscapedWhereverTheyStand)
         for (std::size_t first = 0; first < length; ++first) {
             for (std::size_t second = first; second < length; ++second) {
                 for (const auto& [character, text] : escaped) {
-                    CLongNames element;
                     std::wstring value;
                     std::string expected;
                     for (std::size_t place = 0; place < length; ++place) {
@@ -347,8 +346,11 @@ TEST(XmlShortcutsTest, CharactersAreEscapedWhereverTheyStand)
                         value += isEscaped ? character : static_cast<wchar_t>(L'a' + place);
                         expected += isEscaped ? text : std::string(1, static_cast<char>('a' + place));
                     }
-                    element.m_first = value;
-                    EXPECT_EQ(SaveText(element), "<LongNames first=\"" + expected + "\"");
+                    CDeviceFootprint footprint;
+                    footprint.m_generatedBy = value;
+                    std::string saved;
+                    ASSERT_TRUE(footprint.GetDeviceFootprintString(false, saved));
+                    EXPECT_NE(saved.find(" generatedBy=\"" + expected + "\""), std::string::npos) << saved;
                 }
             }
         }
